@@ -1,0 +1,45 @@
+// The one reader of digits and the one writer of numbers. Internal.
+#ifndef ZM_NUMBER_H
+#define ZM_NUMBER_H
+
+#include <charconv>
+#include <cstdint>
+#include <string_view>
+
+#include "ZmCursor.h"
+
+inline constexpr ZmCharSet kZmDigits("0123456789");
+
+// A run of decimal digits: how many there were and their value modulo 2^32.
+struct ZmDigits {
+  std::uint32_t value = 0;
+  int count = 0;
+};
+
+inline ZmDigits zm_digits(ZmCursor& in) {
+  ZmDigits digits;
+  for (; kZmDigits.has(in.peek()); in.take()) {
+    digits.value = digits.value * 10 + static_cast<std::uint32_t>(in.peek() - '0');
+    ++digits.count;
+  }
+  return digits;
+}
+
+// The printf forms "%d", "%lld" and "%f" of a number, held in the object itself.
+class ZmNumberText {
+ public:
+  explicit ZmNumberText(int value) : end_(std::to_chars(text_, text_ + kSize, value).ptr) {}
+  explicit ZmNumberText(long long value) : end_(std::to_chars(text_, text_ + kSize, value).ptr) {}
+  explicit ZmNumberText(float value)
+      : end_(std::to_chars(text_, text_ + kSize, static_cast<double>(value),
+                           std::chars_format::fixed, 6)
+                 .ptr) {}
+  std::string_view view() const { return {text_, static_cast<std::size_t>(end_ - text_)}; }
+
+ private:
+  static constexpr int kSize = 64;  // the longest: a sign, 39 digits, the point, 6 digits
+  char text_[kSize];
+  char* end_;
+};
+
+#endif

@@ -1,0 +1,385 @@
+#include "ZmString.h"
+
+#include <algorithm>
+#include <cctype>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <memory>
+#include <new>
+
+#include "ZmMemory.h"
+#include "ZmNumber.h"
+#include "ZmText.h"
+
+namespace {
+
+constexpr int kFloor = 16;  // smallest buffer in bytes
+
+constexpr ZmCharSet kSpace(" \t\r\n"), kLineEnd("\r\n");
+
+// Four times the need, so that building a text byte by byte stays cheap.
+int grown(long long need) {
+  if (need > INT_MAX) throw std::bad_alloc();
+  return need > INT_MAX / 4 ? INT_MAX : static_cast<int>(need * 4);
+}
+
+// A bare tolower(int) of our own would collide with the C library's.
+char lower(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
+char upper(char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); }
+
+bool contains(std::string_view text, const ZmCharSet& set) {
+  for (const char c : text)
+    if (set.has(c)) return true;
+  return false;
+}
+
+template <class Map>
+ZmString mapped(std::string_view text, Map map) {
+  ZmString result;
+  for (const char c : text) result.append(map(c));
+  return result;
+}
+
+// Of two texts of one length; as every comparison, it ends at a common zero byte.
+bool samefolded(std::string_view a, std::string_view b) {
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (lower(a[i]) != lower(b[i])) return false;
+    if (a[i] == 0) break;
+  }
+  return true;
+}
+
+int hexdigit(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  return 0;
+}
+
+}  // namespace
+
+ZmString::ZmString(const char* s, int n) { _start(s, n); }
+ZmString::ZmString(const char* s) { copy(s); }
+ZmString::ZmString(const ZmString& other) : ZmBase(other), secure_(other.secure_) {
+  _start(other.buffer_, other.length_);
+}
+ZmString::ZmString(int value) { *this += value; }
+ZmString::ZmString(long long value) { *this += value; }
+ZmString::ZmString(float value) { *this += value; }
+
+int ZmString::type() const { return 72; }
+
+// copy(s, n) for a string that has no buffer yet: most strings are made so.
+void ZmString::_start(const char* s, int n) {
+  if (!s || n <= 0) return;
+  const int size = grown(n + 1LL);
+  size_ = size < kFloor ? kFloor : size;
+  buffer_ = static_cast<char*>(zm_allocate(static_cast<std::size_t>(size_)));
+  std::memcpy(buffer_, s, static_cast<std::size_t>(n));
+  length_ = n;
+  buffer_[n] = 0;
+}
+
+void ZmString::_init() {
+  buffer_ = nullptr;
+  length_ = 0;
+  size_ = 0;
+}
+
+void ZmString::_release() noexcept {
+  if (secure_) wipe();
+  zm_release(buffer_, static_cast<std::size_t>(size_));
+}
+
+void ZmString::wipe() const {
+  if (buffer_) explicit_bzero(buffer_, static_cast<std::size_t>(size_));
+}
+
+void ZmString::_resize(int n) {
+  _drop();
+  _init();
+  const int size = n < kFloor ? kFloor : n;
+  buffer_ = static_cast<char*>(zm_allocate(static_cast<std::size_t>(size)));
+  size_ = size;
+  buffer_[0] = 0;
+}
+
+void ZmString::copy(const char* s, int n) {
+  if (!s || s == buffer_) return;
+  if (n <= 0) return clear();
+  if (size_ - 1 < n) {
+    // A source inside the buffer always fits it, so what is released here is not s.
+    _resize(grown(n + 1LL));
+  }
+  std::memmove(buffer_, s, static_cast<std::size_t>(n));
+  length_ = n;
+  buffer_[n] = 0;
+}
+
+void ZmString::copy(const char* s) {
+  if (!s || s == buffer_) return;
+  const std::size_t n = std::strlen(s);
+  if (n >= INT_MAX) throw std::bad_alloc();
+  if (size_ < static_cast<int>(n) + 1) _resize(grown(static_cast<long long>(n) + 1));
+  std::memmove(buffer_, s, n);
+  // A bounded copy fills up with zeros: nothing of a longer old text stays behind.
+  std::memset(buffer_ + n, 0, static_cast<std::size_t>(size_) - n);
+  length_ = static_cast<int>(n);
+}
+
+void ZmString::copy(const ZmString& other) {
+  secure_ = other.secure_;
+  if (other.length_ > 0) {
+    copy(other.buffer_, other.length_);
+  } else {
+    clear();
+  }
+}
+
+void ZmString::copy(int value) {
+  clear();
+  *this += value;
+}
+
+void ZmString::copy(float value) {
+  clear();
+  *this += value;
+}
+
+void ZmString::append(const char* s, int n) {
+  if (s && n > 0) _append(s, n);
+}
+
+void ZmString::append(const char* s) {
+  if (!s || !*s) return;
+  const std::size_t n = std::strlen(s);
+  if (n >= INT_MAX) throw std::bad_alloc();
+  _append(s, static_cast<int>(n));
+}
+
+void ZmString::_append(const char* s, int n) {
+  const long long need = static_cast<long long>(length_) + n + 1;
+  const auto count = static_cast<std::size_t>(n);
+  if (size_ >= need) {
+    // memmove: s may be a piece of this very text.
+    std::memmove(buffer_ + length_, s, count);
+  } else {
+    const int size = grown(need) < kFloor ? kFloor : grown(need);
+    auto* buffer = static_cast<char*>(zm_allocate(static_cast<std::size_t>(size)));
+    if (length_ > 0) std::memcpy(buffer, buffer_, static_cast<std::size_t>(length_));
+    std::memcpy(buffer + length_, s, count);  // before the old buffer goes: s may point into it
+    _drop();
+    buffer_ = buffer;
+    size_ = size;
+  }
+  length_ += n;
+  buffer_[length_] = 0;
+}
+
+ZmString& ZmString::operator+=(const char* s) {
+  append(s);
+  return *this;
+}
+
+ZmString& ZmString::operator+=(int value) {
+  ::append(*this, ZmNumberText(value).view());
+  return *this;
+}
+
+ZmString& ZmString::operator+=(long long value) {
+  ::append(*this, ZmNumberText(value).view());
+  return *this;
+}
+
+ZmString& ZmString::operator+=(float value) {
+  ::append(*this, ZmNumberText(value).view());
+  return *this;
+}
+
+unsigned char ZmString::operator==(const ZmString& other) const {
+  if (length_ != other.length_) return 0;
+  return length_ == 0 || std::strcmp(buffer_, other.buffer_) == 0;
+}
+
+unsigned char ZmString::compare(const ZmString& other, int mode) const {
+  if (length_ != other.length_) return 0;
+  if (length_ == 0) return 1;
+  if (mode == 0) return std::strcmp(buffer_, other.buffer_) == 0;
+  return mode == 1 && strcasecmp(buffer_, other.buffer_) == 0;
+}
+
+int ZmString::cmp(const ZmString& other) const {
+  if (length_ <= 0) return other.length_ <= 0 ? 0 : -1;
+  return other.length_ <= 0 ? 1 : std::strcmp(buffer_, other.buffer_);
+}
+
+unsigned char ZmString::operator<(const ZmString& other) const { return cmp(other) < 0; }
+
+unsigned char ZmString::find(const ZmString& s) const {
+  if (s.length_ <= 0) return 1;
+  if (length_ < s.length_) return 0;
+  // Equality ends at a zero byte: what s has behind its first one must fit, and no more.
+  const auto whole = static_cast<std::size_t>(s.length_);
+  const std::size_t needle = std::min(std::strlen(s.buffer_) + 1, whole);
+  const std::size_t room = static_cast<std::size_t>(length_) - (whole - needle);
+  return memmem(buffer_, room, s.buffer_, needle) != nullptr;
+}
+
+unsigned char ZmString::haschar(char c) const {
+  return length_ > 0 && std::memchr(buffer_, c, static_cast<std::size_t>(length_)) != nullptr;
+}
+
+unsigned char ZmString::hasspace() const { return contains(view(*this), kSpace); }
+unsigned char ZmString::multiline() const { return contains(view(*this), kLineEnd); }
+
+unsigned char ZmString::isinteger() const {
+  ZmCursor in(view(*this));
+  if (in.eof() || !(in.is('-') || kZmDigits.has(in.peek()))) return 0;
+  in.take();
+  in.skip(kZmDigits);
+  return in.eof();
+}
+
+unsigned char ZmString::isfloat() const {
+  constexpr ZmCharSet kFirst("0123456789-+.");
+  ZmCursor in(view(*this));
+  if (!kFirst.has(in.peek())) return 0;
+  const bool dot = in.take() == ".";
+  in.skip(kZmDigits);
+  if (!dot && in.accept('.')) in.skip(kZmDigits);
+  return in.eof();
+}
+
+ZmString ZmString::substr(int start, int end) const {
+  const int from = start < 0 ? 0 : start;
+  const int to = end < length_ ? end : length_;
+  return from < to ? ZmString(buffer_ + from, to - from) : ZmString();
+}
+
+ZmString ZmString::tolower() const { return mapped(view(*this), lower); }
+ZmString ZmString::toupper() const { return mapped(view(*this), upper); }
+
+ZmString ZmString::removecontrolchars() const {
+  ZmString result;
+  for (const char c : view(*this))
+    if ((c >= 32 && c <= 126) || c == '\t' || c == '\r' || c == '\n') result.append(c);
+  return result;
+}
+
+ZmString ZmString::LFtoCRLF() {
+  ZmString result;
+  char before = 0;
+  for (const char c : view(*this)) {
+    if (c == '\n' && before != '\r') result.append('\r');
+    result.append(c);
+    before = c;
+  }
+  return result;
+}
+
+ZmString ZmString::replacevalue(const ZmString& from, const ZmString& to,
+                                unsigned char exact) const {
+  if (from.length_ < 1) return *this;
+  ZmString result;
+  ZmCursor in(view(*this));
+  while (!in.eof()) {
+    const std::string_view piece = in.rest().substr(0, static_cast<std::size_t>(from.length_));
+    const bool match = piece.size() == view(from).size() &&
+                       (exact ? piece[0] == from.buffer_[0] &&
+                                    std::strncmp(piece.data(), from.buffer_, piece.size()) == 0
+                              : samefolded(piece, view(from)));
+    if (match) {
+      in.take(piece.size());
+      result += to;
+    } else {
+      ::append(result, in.take());
+    }
+  }
+  return result;
+}
+
+char* ZmString::copyvalue() const {
+  const auto n = static_cast<std::size_t>(length_);
+  auto text = std::make_unique<char[]>(n + 1);
+  if (n > 0) std::memcpy(text.get(), buffer_, n);
+  return text.release();
+}
+
+int ZmString::integervalue() const { return length_ < 1 ? 0 : std::atoi(buffer_); }
+
+long long ZmString::longlongvalue() const {
+  return length_ < 1 ? 0 : std::strtoll(buffer_, nullptr, 10);
+}
+
+float ZmString::floatvalue() const {
+  return length_ < 1 ? 0.0F : static_cast<float>(std::atof(buffer_));
+}
+
+unsigned int ZmString::_hex(int digits) const {
+  unsigned int value = 0;
+  for (int i = 0; i < digits && i < length_; ++i)
+    value = (value << 4) + static_cast<unsigned int>(hexdigit(buffer_[i]));
+  return value;
+}
+
+unsigned int ZmString::hexvalue() const { return _hex(length_); }
+unsigned char ZmString::hexchar() const { return static_cast<unsigned char>(_hex(2)); }
+
+void ZmString::hexvalue(char c) {
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  const auto byte = static_cast<unsigned char>(c);
+  append(digits[byte >> 4]);
+  append(digits[byte & 15]);
+}
+
+void ZmString::integervalue(int value, int width, char pad) {
+  const ZmNumberText text(value);
+  for (int n = static_cast<int>(text.view().size()); n < width; ++n) append(pad);
+  ::append(*this, text.view());
+}
+
+ZmString ZmString::padded_int(int value, int width) {
+  const ZmNumberText number(value);
+  std::string_view digits = number.view();
+  long long missing =
+      (width < 0 ? -static_cast<long long>(width) : width) - static_cast<long long>(digits.size());
+  ZmString text;
+  if (value < 0) {
+    text.append('-');
+    digits.remove_prefix(1);
+  }
+  for (; width > 0 && missing > 0; --missing) text.append('0');
+  ::append(text, digits);
+  for (; missing > 0; --missing) text.append(' ');  // a negative width is printf's left alignment
+  return text;
+}
+
+void ZmString::_debug_info() const {
+  std::cout << "ZmString:\n\tsize: " << size_ << "\n\tlength: " << length_ << "\n\tdata: '"
+            << value() << "'\n";
+}
+
+namespace {
+
+template <class Left, class Right>
+ZmString joined(const Left& left, const Right& right) {
+  ZmString result(left);
+  result += right;
+  return result;
+}
+
+}  // namespace
+
+ZmString operator+(const ZmString& a, const ZmString& b) { return joined(a, b); }
+ZmString operator+(const ZmString& a, const char* b) { return joined(a, b); }
+ZmString operator+(const char* a, const ZmString& b) { return joined(a, b); }
+ZmString operator+(const ZmString& a, char b) { return joined(a, static_cast<int>(b)); }
+ZmString operator+(char a, const ZmString& b) { return joined(static_cast<int>(a), b); }
+ZmString operator+(int a, const ZmString& b) { return joined(a, b); }
+ZmString operator+(const ZmString& a, int b) { return joined(a, b); }
+ZmString operator+(float a, const ZmString& b) { return joined(a, b); }
+ZmString operator+(const ZmString& a, float b) { return joined(a, b); }
+
+std::ostream& operator<<(std::ostream& out, const ZmString& s) { return out << s.value(); }

@@ -1,0 +1,87 @@
+#ifndef ZM_BASE_HASH_H
+#define ZM_BASE_HASH_H
+
+#include <memory>
+
+#include "ZmBaseList.h"
+#include "ZmSlotTable.h"
+#include "ZmString.h"
+
+/// Maps text keys to owned object pointers, in an open-addressing table.
+///
+/// Owns keys and values: set() takes both, remove() destroys the key and hands the value back,
+/// clear() and the destructor destroy all, release() forgets the values, keys() lends the keys.
+/// Keys compare byte by byte with case, and the empty key is a key. Key order is slot order: it
+/// follows hash values and table size, so callers that need an order sort.
+///
+/// The table starts with 17 slots and never shrinks; it grows to four times its size, one and a
+/// random 0 to 99 (rand()) when the places of a new key are all taken. T has a default constructor,
+/// a virtual destructor and copy(const T&). One thread at a time.
+template <class T>
+class ZmBaseHash {
+ public:
+  ZmBaseHash() = default;                               ///< Empty, 17 slots.
+  ZmBaseHash(const ZmBaseHash& other) { copy(other); }  ///< A deep copy.
+  ZmBaseHash& operator=(const ZmBaseHash& other) {
+    copy(other);
+    return *this;
+  }                                   ///< copy(other).
+  virtual ~ZmBaseHash() { clear(); }  ///< The only virtual slot.
+
+  /// The hash of a key: each byte, as a signed number, times 7 to the power of its position; wraps.
+  unsigned int _key(const ZmString& key) const { return ZmSlotTable::hash(view(key)); }
+  /// The value stored under the key, lent; null when there is none.
+  T* get(const ZmString& key) const { return static_cast<T*>(table_.get(key)); }
+  /// Stores the pair and owns both; an earlier pair of an equal key is destroyed. The value may be
+  /// null. 0 when the key is null, which takes nothing.
+  unsigned char set(T* value, ZmString* key) { return table_.set(value, key, _destroy); }
+  /// The same with a copy of the key.
+  unsigned char set(T* value, const ZmString& key) { return set(value, new ZmString(key)); }
+  /// The value stored under the key, now the caller's; null when there is none.
+  T* remove(const ZmString& key) { return static_cast<T*>(table_.remove(key)); }
+  /// Clears the list, then lends it the hash's own keys: empty it with release(), never clear().
+  void keys(ZmBaseList<ZmString>& out) const {
+    out.clear();
+    table_.each([&out](ZmString* key, void*) { out.push(key); });
+  }
+  /// Clears the list, then gives it copies of the keys.
+  void copykeys(ZmBaseList<ZmString>& out) const {
+    out.clear();
+    table_.each([&out](ZmString* key, void*) { out.push(new ZmString(*key)); });
+  }
+  /// Destroys what is held, then copies every pair into the slot it has in the other hash. Entries
+  /// that the other hash placed beyond a removed one are listed by the copy but not found.
+  void copy(const ZmBaseHash& other) {
+    if (this == &other) return;
+    clear();
+    table_.copy(other.table_, _copied);
+  }
+  void clear() { table_.clear(_destroy); }    ///< Destroys all pairs; keeps the slots.
+  void release() { table_.clear(nullptr); }   ///< Destroys the keys and forgets the values.
+  void resize() { table_.resize(_destroy); }  ///< Grows the table; set() does so when it must.
+
+  /// @name For callers that know the hash of the key
+  /// @{
+  T* _get(std::string_view key, unsigned int hash) const {
+    return static_cast<T*>(table_.get(key, hash));
+  }  ///< As get().
+  unsigned char _set(T* value, ZmString* key, unsigned int hash) {
+    return table_.set(value, key, hash, _destroy);
+  }                                                     ///< As set().
+  const ZmSlotTable& _table() const { return table_; }  ///< For walking over the pairs.
+  ZmSlotTable& _table() { return table_; }              ///< For storing without a second search.
+                                                        /// @}
+
+ private:
+  static void _destroy(void* value) { delete static_cast<T*>(value); }
+  static void* _copied(const void* value) {
+    if (!value) return nullptr;
+    auto object = std::make_unique<T>();
+    object->copy(*static_cast<const T*>(value));
+    return object.release();
+  }
+
+  ZmSlotTable table_;
+};
+
+#endif

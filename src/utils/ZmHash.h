@@ -1,0 +1,92 @@
+#ifndef ZM_HASH_H
+#define ZM_HASH_H
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "ZmBaseHash.h"
+#include "ZmPack.h"
+#include "ZmPackObj.h"
+#include "ZmText.h"
+
+/// An owning hash that can be packed.
+///
+/// Its record: tag 1, int, the number of entries; then for each entry in key order of the hash tag
+/// 10, text, the key, and tag 30 the value, a text for strings and a nested pack for pack-derived
+/// values. Unpacking sets what the record holds on top of what the hash holds. Its XML form: one
+/// "item" element with the key for each entry, sorted by the keys' bytes.
+template <class T>
+class ZmHash : public ZmBaseHash<T>, public ZmPack {
+ public:
+  ZmHash() = default;                                              ///< Empty.
+  ZmHash(const ZmHash& other) : ZmBaseHash<T>(other), ZmPack() {}  ///< A deep copy.
+  ZmHash& operator=(const ZmHash& other) {
+    ZmBaseHash<T>::operator=(other);
+    ZmPack::operator=(other);
+    return *this;
+  }  ///< A deep copy.
+
+  /// Stores all entries; a null value as a new T.
+  void encode() override {
+    store(kCount, this->_table().count());
+    this->_table().each([this](ZmString* key, void* value) {
+      store(kKey, *key);
+      if (value) {
+        store(kValue, *static_cast<T*>(value));
+      } else {
+        T none;
+        store(kValue, none);
+      }
+    });
+  }
+  /// Reads the count, and with it the keys and values of as many entries as follow.
+  void decode() override {
+    int count = 0;
+    restore(kCount, count);
+    if (!_consumed()) return;
+    for (int i = 0; i < count && _next(); ++i) {
+      auto key = std::make_unique<ZmString>();
+      restore(kKey, *key);
+      const bool keyed = _consumed();
+      _yank();
+      if (!_next()) break;
+      auto value = std::make_unique<T>();
+      restore(kValue, *value);
+      const bool valued = _consumed();
+      _yank();
+      if (keyed && valued) this->set(value.release(), key.release());
+    }
+  }
+  /// Stores all entries in the order of their keys, whatever their slots; a null value as a new T.
+  void encodeXML() override {
+    std::vector<std::pair<ZmString*, T*>> entries;
+    this->_table().each([&entries](ZmString* key, void* value) {
+      entries.emplace_back(key, static_cast<T*>(value));
+    });
+    std::ranges::stable_sort(entries, {}, [](const auto& entry) { return view(*entry.first); });
+    for (const auto& [key, value] : entries) {
+      if (value) {
+        _storeItem(key, *value);
+      } else {
+        T none;
+        _storeItem(key, none);
+      }
+    }
+  }
+  /// Sets every entry.
+  void decodeXML() override {
+    for (int at = 0; ZmPackObj* item = _item(at);) {
+      std::unique_ptr<T> value = _takeItem(*item, static_cast<T*>(nullptr));
+      if (value && item->key()) this->set(value.release(), item->takekey().release());
+    }
+  }
+
+ private:
+  static constexpr int kCount = 1;
+  static constexpr int kKey = 10;
+  static constexpr int kValue = 30;
+};
+
+#endif

@@ -1,0 +1,57 @@
+#ifndef ZM_LIST_H
+#define ZM_LIST_H
+
+#include <memory>
+
+#include "ZmBaseList.h"
+#include "ZmPack.h"
+
+/// An owning list that can be packed.
+///
+/// Its record: tag 1, int, the number of elements; then tag 10 for each element in order, a text
+/// for strings and a nested pack for pack-derived elements. Unpacking appends what the record holds
+/// to the list. Its XML form: one "item" element for each element in order.
+template <class T>
+class ZmList : public ZmBaseList<T>, public ZmPack {
+ public:
+  ZmList() = default;                                              ///< Empty.
+  ZmList(const ZmList& other) : ZmBaseList<T>(other), ZmPack() {}  ///< A deep copy.
+  ZmList& operator=(const ZmList& other) {
+    ZmBaseList<T>::operator=(other);
+    ZmPack::operator=(other);
+    return *this;
+  }  ///< A deep copy.
+
+  void encode() override {
+    store(kCount, this->length());
+    for (int i = 0; i < this->length(); ++i) store(kElement, *this->get(i));
+  }  ///< Stores all elements.
+  /// Reads the count, and with it as many elements as follow.
+  void decode() override {
+    int count = 0;
+    restore(kCount, count);
+    if (!_consumed()) return;
+    for (int i = 0; i < count && _next(); ++i) {
+      auto element = std::make_unique<T>();
+      restore(kElement, *element);
+      if (_consumed() && this->push(element.get())) element.release();
+      _yank();
+    }
+  }
+  void encodeXML() override {
+    for (int i = 0; i < this->length(); ++i) _storeItem(nullptr, *this->get(i));
+  }  ///< Stores all elements.
+  /// Appends every element.
+  void decodeXML() override {
+    for (int at = 0; ZmPackObj* item = _item(at);) {
+      std::unique_ptr<T> element = _takeItem(*item, static_cast<T*>(nullptr));
+      if (element && this->push(element.get())) element.release();
+    }
+  }
+
+ private:
+  static constexpr int kCount = 1;
+  static constexpr int kElement = 10;
+};
+
+#endif

@@ -1,0 +1,226 @@
+#ifndef ZM_PACK_H
+#define ZM_PACK_H
+
+#include <memory>
+
+#include "ZmBase.h"
+#include "ZmString.h"
+
+class ZmPackObj;
+
+/// The base of every class that can be written to and read from records.
+///
+/// A binary record is the version word 1 (32 bits) and then tagged fields up to its end; all
+/// numbers are big-endian. A field is its tag (signed 16 bits), a type code (16 bits) and the
+/// payload:
+///
+/// | code | value | payload |
+/// |---|---|---|
+/// | 1 | int | 4 bytes |
+/// | 2 | char | 1 byte |
+/// | 3 | text | 4-byte length, the bytes |
+/// | 4 | nested pack | 4-byte type code of the object, 4-byte length, its fields |
+/// | 5 | float | 4 bytes, the IEEE 754 single-precision bits |
+/// | 6 | unsigned char | 1 byte |
+/// | 7 | long long | 8 bytes |
+///
+/// A class writes its fields in encode() by store() calls and reads them in decode() by the
+/// matching restore() calls: decode() runs once for every field of the record, and only the
+/// restore() whose tag and type are those of the current field takes effect. So fields may come in
+/// any order, and unknown ones are skipped, except that a field of code 7 or of an unknown code
+/// that nobody takes ends the record. A truncated payload ends it too, silently.
+///
+/// The XML form is one element, named by typeXML(), with an element for every member that
+/// encodeXML() stores by name; decodeXML() looks the members up by name, in any order:
+///
+///     <?xml version="1.0" encoding="UTF-8"?>
+///     <config>
+///       <name>node01</name>
+///       <address>
+///         <value>167772161</value>
+///       </address>
+///       <options>
+///         <item key="threads">8</item>
+///         <item key="raw" encoding="base64">AP8=</item>
+///       </options>
+///     </config>
+///
+/// - Numbers are decimal; a float has the fewest digits that give its bits back, or is "inf",
+/// "-inf",
+///   "nan" or "-nan". A char is a text of one byte.
+/// - A text stands as it is, markup escaped. One that XML 1.0 can't carry (control characters,
+/// bytes
+///   that are no UTF-8) stands as base64 (RFC 4648) with encoding="base64". Every byte comes back.
+/// - A nested pack is an element with the elements of its members. The entries of lists and hashes
+///   are "item" elements, those of a hash with their key, sorted by it.
+/// - A name that is not made of ASCII letters, digits, "_", "-" and "." stands in an attribute:
+///   <element name="...">. Keys and such names take key-encoding and name-encoding="base64".
+/// - Of several elements of one name the last counts, as in a record. Unknown elements and
+/// attributes
+///   are ignored, and so is text beside elements.
+///
+/// Copies start with an empty buffer of their own. One thread at a time.
+class ZmPack : public ZmBase {
+ public:
+  ZmPack() = default;                      ///< Without a buffer.
+  ZmPack(const ZmPack&) : ZmBase() {}      ///< The buffer is not copied.
+  ZmPack& operator=(const ZmPack& other);  ///< Empties this object's buffer.
+  ~ZmPack() override { _clear(); }         ///< Slot 0.
+  virtual int type() const { return 71; }  ///< Slot 1. The type code.
+  virtual void encode() = 0;               ///< Slot 2. Stores every member.
+  virtual void decode() = 0;               ///< Slot 3. Restores every member; once per field.
+  virtual ZmString typeXML() const { return "pack"; }  ///< Slot 4. The XML element name.
+  virtual void encodeXML() = 0;  ///< Slot 5. Stores every member as an element.
+  virtual void decodeXML() = 0;  ///< Slot 6. Restores every member; once per object.
+
+  /// @name Binary records
+  /// @{
+  void pack();  ///< Makes the object's record in the buffer.
+  /// The record made by pack(), packSize() bytes, lent until the next change; null when empty.
+  const char* packContents() const { return reinterpret_cast<const char*>(buffer_); }
+  int packSize() const { return used_; }  ///< Bytes of the record.
+  /// Reads a record of `length` bytes, which may be this object's own: 0 done, 1 shorter than a
+  /// version word, 2 nothing behind it, 3 another version. Empties the buffer, but for result 1.
+  int unpack(const char* data, int length);
+  /// Packs into a file. The number of bytes written, or 0 when it can't be opened or closed.
+  int archive(const ZmString& path);
+  /// Unpacks a file. The number of bytes read, or 0 when it is no readable regular file or
+  /// unpack() failed.
+  int recover(const ZmString& path);
+  /// @}
+
+  /// @name XML text
+  /// @{
+  /// Makes the object's XML text, UTF-8, in the buffer: packContents(), packSize().
+  void packXML();
+  /// Reads an XML text of `length` bytes: 0 done, 1 it is not well-formed, 2 the outermost element
+  /// holds no other, 3 it has another name than typeXML(), 4 refused: a document type (so no entity
+  /// is ever declared or fetched), or elements more than 256 levels deep. Only 0 changes the
+  /// object. Any encoding that Expat knows is read.
+  int unpackXML(const char* text, int length);
+  int unpackXML(const ZmString& text) {
+    return unpackXML(text.value(), text.length());
+  }  ///< The same for the whole text.
+  /// @}
+
+  /// @name Fields, for encode()
+  /// @{
+  void store(int tag, int value);
+  void store(int tag, char value);
+  void store(int tag, unsigned char value);
+  void store(int tag, long long value);
+  void store(int tag, float value);
+  void store(int tag, const ZmString& value);
+  void store(int tag, const char* value);  ///< Up to the zero byte; null stores "".
+  void store(int tag, ZmPack& value);      ///< A nested pack; its own buffer is emptied.
+  /// @}
+
+  /// @name Fields, for decode()
+  /// Each takes the current field when tag and type match, and leaves the value alone otherwise.
+  /// @{
+  void restore(int tag, int& value);
+  void restore(int tag, char& value);
+  void restore(int tag, unsigned char& value);
+  void restore(int tag, long long& value);
+  void restore(int tag, float& value);
+  void restore(int tag, ZmString& value);
+  /// Takes a nested pack whose type code is value.type(); with any other, and more than 1000 levels
+  /// deep, the record ends.
+  void restore(int tag, ZmPack& value);
+  void trashObj(int tag);  ///< Skips a nested pack with this tag.
+  /// @}
+
+  /// @name Members, for encodeXML()
+  /// @{
+  void storeXML(const ZmString& name, int value);
+  void storeXML(const ZmString& name, char value);
+  void storeXML(const ZmString& name, unsigned char value);
+  void storeXML(const ZmString& name, long long value);
+  void storeXML(const ZmString& name, float value);
+  void storeXML(const ZmString& name, const ZmString& value);
+  void storeXML(const ZmString& name, const char* value);  ///< Up to the zero byte; null stores "".
+  void storeXML(const ZmString& name,
+                ZmPack& value);  ///< A nested pack; its own buffer is emptied.
+  /// @}
+
+  /// @name Members, for decodeXML()
+  /// Each takes the member's element, and leaves the value alone when there is none or its text is
+  /// no such value: a number out of range, of several words or followed by anything but blanks, an
+  /// unreadable encoding, elements where a text should be.
+  /// @{
+  void restoreXML(const ZmString& name, int& value);
+  void restoreXML(const ZmString& name, char& value);
+  void restoreXML(const ZmString& name, unsigned char& value);
+  void restoreXML(const ZmString& name, long long& value);
+  void restoreXML(const ZmString& name, float& value);
+  void restoreXML(const ZmString& name, ZmString& value);
+  void restoreXML(const ZmString& name, ZmPack& value);
+  /// @}
+
+ protected:
+  /// @name Entries as XML, for containers
+  /// @{
+  void _storeItem(const ZmString* key, const ZmString& value);  ///< A null key: without one.
+  void _storeItem(const ZmString* key, ZmPack& value);
+  bool _hasXML(const ZmString& name) const;  ///< Whether the element being decoded holds that one.
+  /// The first "item" at or behind position `at` of the element being decoded; `at` moves behind
+  /// it. Null: no more. Lent; its key and text may be taken.
+  ZmPackObj* _item(int& at) const;
+  /// The item as a new text, which is taken from it; null when it has no readable one.
+  static std::unique_ptr<ZmString> _takeItem(ZmPackObj& item, const ZmString*);
+  /// The item as a new pack.
+  template <class T>
+  static std::unique_ptr<T> _takeItem(ZmPackObj& item, const T*) {
+    auto value = std::make_unique<T>();
+    value->_decodeXML(item);
+    return value;
+  }
+  /// @}
+
+  /// @name Stepping through a record, for containers whose decode() reads several fields
+  /// @{
+  bool _next();                                 ///< Reads a field header; false when none is left.
+  void _yank();                                 ///< Skips the current field unless it was taken.
+  int _tag() const { return tag_; }             ///< Tag of the current field.
+  int _code() const { return code_; }           ///< Type code of the current field.
+  bool _consumed() const { return consumed_; }  ///< Whether the current field was taken.
+                                                /// @}
+
+ private:
+  void _clear() noexcept;
+  void _store(const void* bytes, int n);  // appends; n <= 0 nothing
+  unsigned char* _room(long long n);      // n more bytes in use, to be written
+  void _grow(long long need);
+  unsigned char* _field(int tag, int code, long long payload);  // room for the payload
+  template <class T>
+  void _number(int tag, int code, T value);
+  template <class T>
+  bool _take(int tag, int code, T& value);
+  const unsigned char* _bytes(int n);  // consumes n bytes of payload, or the rest and null
+  void _fields();                      // decode() for each field, then yank
+  void _decodeXML(ZmPackObj& element);
+  void _swap(ZmPack& other) noexcept;  // lends the buffer to a nested pack, or takes it back
+
+  static constexpr int kElement = -1;  // in code_: an element is decoded, not a record
+  struct Writer;                       // of XML
+  ZmPackObj* _element() const { return code_ == kElement ? element_ : nullptr; }
+  const ZmString* _text(const ZmString& name) const;  // of the member's element; null: none
+  template <class T>
+  void _numberXML(const ZmString& name, T value);
+  template <class T>
+  void _takeXML(const ZmString& name, T& value) const;
+
+  unsigned char* buffer_ = nullptr;
+  union {
+    const unsigned char* cursor_ = nullptr;  // next byte while decoding
+    ZmPackObj* element_;                     // the same of XML, while code_ is kElement
+  };
+  int used_ = 0;  // bytes in the buffer; while decoding, bytes left
+  int capacity_ = 0;
+  short tag_ = 0;
+  int code_ = 0;
+  unsigned char consumed_ = 0;
+  short depth_ = 0;  // levels around what is written or read
+};
+
+#endif

@@ -1,0 +1,101 @@
+// The untyped core of the hashes: an open-addressing table from texts to objects. Internal;
+// ZmBaseHash is its typed face.
+#ifndef ZM_SLOT_TABLE_H
+#define ZM_SLOT_TABLE_H
+
+#include <cstdint>
+#include <map>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "ZmString.h"
+#include "ZmText.h"
+
+// Owns its keys; values are pointers it never looks behind. `destroy` arguments release a value
+// that was replaced.
+//
+// A key's 32-bit hash alone decides its probe slots, and the offsets repeat after 33 probes. More
+// keys of one hash can't be stored in any table, so growth is bounded: a pair for which the table
+// would have to go beyond both 65,536 slots and 32 slots an entry is kept in an ordered overflow
+// instead, and moves into the slots when a later growth has room.
+class ZmSlotTable {
+ public:
+  using Destroy = void (*)(void*);
+
+  ZmSlotTable();
+  ZmSlotTable(const ZmSlotTable&) = delete;
+  ZmSlotTable& operator=(const ZmSlotTable&) = delete;
+  ~ZmSlotTable();  // clear() first
+
+  static std::uint32_t hash(std::string_view key);
+
+  int count() const { return count_; }
+  void* get(const ZmString& key) const { return get(view(key), hash(view(key))); }
+  void* get(std::string_view key, std::uint32_t key_hash) const;
+  // Where a key is and where set() would put it, as slots; -1: nowhere.
+  struct Spot {
+    int found = -1;
+    int place = -1;
+  };
+  Spot locate(std::string_view key, std::uint32_t key_hash) const;
+  void* value(int at) const { return values_[at]; }
+  // Stores a new pair where locate() has said, unless only set() can; takes nothing then.
+  bool fill(const Spot& spot, void* value, ZmString* key, std::uint32_t key_hash);
+  // False: the key is null.
+  bool set(void* value, ZmString* key, Destroy destroy) {
+    return key && set(value, key, hash(view(*key)), destroy);
+  }
+  bool set(void* value, ZmString* key, std::uint32_t key_hash, Destroy destroy);
+  void* remove(const ZmString& key);
+  bool resize(Destroy destroy);  // false: the growth is not made
+  void clear(Destroy destroy);   // a null destroy forgets the values
+  // Takes the size, count and keys of the other table; each value is made by copy(its value).
+  // This table must be clear.
+  void copy(const ZmSlotTable& other, void* (*copy_value)(const void*));
+
+  // Calls visit(key, value) for every pair: slot order, then the overflow in key order.
+  template <class Visit>
+  void each(Visit visit) const {
+    for (int i = 0; i < size_; ++i)
+      if (occupied(i)) visit(keys_[i], values_[i]);
+    if (!overflow_) return;
+    for (const auto& [text, pair] : *overflow_) visit(pair.first, pair.second);
+  }
+
+ private:
+  using Pair = std::pair<ZmString*, void*>;
+  using Overflow = std::map<std::string_view, Pair>;
+  enum class Stored { kNew, kReplaced, kFull };
+  class Seek;
+  struct Slots {
+    ZmString** keys;
+    void** values;
+    std::uint32_t* hashes;
+    int size;
+  };
+
+  bool occupied(int i) const { return keys_[i] && keys_[i] != &removed_; }
+  static Slots allocated(int size);
+  static void release(const Slots& slots) noexcept;
+  Slots slots() const { return {keys_, values_, hashes_, size_}; }
+  void use(const Slots& slots);
+  void put(int at, const Pair& pair, std::uint32_t key_hash);
+  // Puts the pair where it belongs; the pair it replaces goes to `old`.
+  Stored store(const Pair& pair, std::uint32_t hash, Pair& old);
+  bool refused(long long size) const;
+  bool refill(const Slots& from, int& count, std::vector<Pair>& replaced);
+  void empty_overflow(std::vector<Pair>& replaced);
+
+  ZmString** keys_ = nullptr;
+  ZmString removed_;  // never holds text; its address marks a removed slot
+  void** values_ = nullptr;
+  int size_ = 0;      // slots
+  int count_ = 0;     // entries; after a growth of several attempts it is more, and may be
+  int entries_ = 0;   // entries, exactly
+  int patience_ = 0;  // no growth before there are so many entries: the last one came to nothing
+  std::uint32_t* hashes_ = nullptr;  // of the occupied slots
+  Overflow* overflow_ = nullptr;     // null while it is empty
+};
+
+#endif

@@ -1,0 +1,30 @@
+#ifndef ZM_STRING_LIST_H
+#define ZM_STRING_LIST_H
+
+#include "ZmList.h"
+#include "ZmString.h"
+
+/// A list of texts.
+class ZmStringList : public ZmList<ZmString> {
+ public:
+  ZmStringList() = default;                                      ///< Empty.
+  ZmStringList(const ZmStringList& other) = default;             ///< A deep copy.
+  ZmStringList& operator=(const ZmStringList& other) = default;  ///< A deep copy.
+
+  int type() const override { return 55; }                     ///< The type code.
+  ZmString typeXML() const override { return "string_list"; }  ///< The XML element name.
+
+  /// The elements with `separator` between them; undefined for an empty list.
+  ZmString join(const ZmString& separator) const;
+  /// The position of the first element equal to s, or -1. An empty s finds an empty element.
+  int find(const ZmString& s) const;
+  /// Sorts ascending with zm_string_sort_func.
+  void sort();
+  /// Sorts in place by quicksort, not stably.
+  void sort(int (*compare)(const ZmString*, const ZmString*)) { ZmList<ZmString>::sort(compare); }
+};
+
+/// Byte order: 1 when *a > *b, -1 when *a < *b, else 0. Empty and undefined texts come first.
+int zm_string_sort_func(const ZmString* a, const ZmString* b);
+
+#endif

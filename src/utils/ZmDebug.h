@@ -1,0 +1,68 @@
+#ifndef ZM_DEBUG_H
+#define ZM_DEBUG_H
+
+#include <iosfwd>
+#include <memory>
+
+#include "ZmString.h"
+#include "ZmStringList.h"
+
+/// The debug log: messages go to standard output, to one file or to one file a week.
+///
+/// The file is opened by the first write, which appends, and stays open until unlock() or the end
+/// of the process. Messages for a file that can't be opened are lost without a report: a log must
+/// not disturb the program. Nothing is locked; the open file is shared by all objects.
+///
+///     zm_debug_obj().mark() << "started\n";
+class ZmDebug {
+ public:
+  constexpr ZmDebug() = default;  ///< Mode 0, without a file name.
+  ZmDebug(const ZmDebug&) = delete;
+  ZmDebug& operator=(const ZmDebug&) = delete;
+  ~ZmDebug() = default;
+
+  /// 0: the file itself; 1: "NAME.N" with the week of the year N, 0 to 52; other: standard output.
+  void mode(int mode) { mode_ = mode; }
+  int mode() const { return mode_; }  ///< The mode.
+  /// Keeps a copy of the name; without one, or with "", standard output is written to. A file that
+  /// is open stays in use until unlock().
+  void filename(const ZmString& name);
+  void lock() {}  ///< Does nothing: the pair of unlock().
+  /// Closes the file. The next write opens it again, and so finds the file of the current week.
+  void unlock();
+  /// Writes a message's prefix in local time: "[Mar 3, 2026 7:04:09] host[pid]: ".
+  ZmDebug& mark();
+
+  /// @name Writing
+  /// With the formatting of standard streams. Null writes nothing.
+  /// @{
+  ZmDebug& operator<<(const char* value);
+  ZmDebug& operator<<(const ZmString& value);
+  ZmDebug& operator<<(int value);
+  ZmDebug& operator<<(unsigned int value);
+  ZmDebug& operator<<(long long value);
+  ZmDebug& operator<<(float value);
+  ZmDebug& operator<<(char value);
+  /// @}
+
+ private:
+  std::ostream* _stream();  // null: standard output
+  template <class T>
+  ZmDebug& _write(const T& value);
+
+  std::unique_ptr<ZmString> filename_;
+  int mode_ = 0;
+};
+
+/// The one object of the process. Ready before any static constructor runs.
+ZmDebug& zm_debug_obj();
+/// The verbosity, a mask whose bits the callers define; all but 4096 are set at the start.
+int zm_debug_verb();
+/// Sets the verbosity.
+void zm_debug_verbosity(int mask);
+/// Sets mode and file name of zm_debug_obj().
+void zm_debug_filename(const ZmString& name, int mode);
+/// Appends the names of the weekly files that exist, "BASE.0" to "BASE.52" in this order.
+void zm_debug_logfiles(const ZmString& base, ZmStringList& list);
+
+#endif

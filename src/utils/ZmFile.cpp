@@ -1,0 +1,154 @@
+#include "ZmFile.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utime.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <memory>
+
+#include "ZmFileReader.h"
+#include "ZmText.h"
+
+namespace {
+
+constexpr int kName = 0, kData = 1, kSource = 2;  // tags of the record
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+// False only when the file can't be opened in this mode: callers learn nothing of a full disk.
+bool put(const ZmString& path, const char* mode, const ZmString& text) {
+  const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.value(), mode));
+  if (!file) return false;
+  std::fwrite(text.value(), 1, static_cast<std::size_t>(text.length()), file.get());
+  return true;
+}
+
+// All zero when there is none.
+struct stat status(const ZmString& path) {
+  struct stat found {};
+  ::stat(path.value(), &found);  // fills nothing in when it fails
+  return found;
+}
+
+}  // namespace
+
+int ZmFile::_file_unique = 0;
+
+void ZmFile::encode() {
+  store(kName, name_);
+  store(kSource, source_);
+  store(kData, data_);
+}
+
+void ZmFile::decode() {
+  restore(kName, name_);
+  restore(kSource, source_);
+  restore(kData, data_);
+}
+
+void ZmFile::encodeXML() {
+  storeXML("name", name_);
+  storeXML("source", source_);
+  storeXML("data", data_);
+}
+
+void ZmFile::decodeXML() {
+  restoreXML("name", name_);
+  restoreXML("source", source_);
+  restoreXML("data", data_);
+}
+
+void ZmFile::read(const ZmString& path) {
+  const ZmString source(path);  // the path may be one of the members
+  if (!zm_read_file(source, data_)) return;
+  name_ = filename(source);
+  source_ = source;
+}
+
+ZmString ZmFile::load(const ZmString& path) {
+  ZmString text;
+  zm_read_file(path, text);
+  return text;
+}
+
+int ZmFile::loadpos(const ZmString& path, long long pos, ZmString& out) {
+  return loadpos(path, pos, -1, out);
+}
+
+int ZmFile::loadpos(const ZmString& path, long long pos, int len, ZmString& out) {
+  if (!exists(path)) return -1;
+  std::ifstream in(path.value(), std::ios::binary);
+  if (pos >= 0) in.seekg(pos);
+  char block[4096];
+  for (int left = len; in && left != 0;) {
+    constexpr int kBlock = sizeof block;
+    in.read(block, left < 0 ? kBlock : std::min(left, kBlock));
+    const int got = static_cast<int>(in.gcount());
+    out.append(block, got);
+    if (left > 0) left -= got;
+  }
+  // A stream that met the end has failed and knows no position.
+  return static_cast<int>(static_cast<std::streamoff>(in.tellg()));
+}
+
+unsigned char ZmFile::save(const ZmString& path, const ZmString& text) {
+  return put(path, "w", text);
+}
+
+void ZmFile::append(const ZmString& path, const ZmString& text) { put(path, "a", text); }
+
+unsigned char ZmFile::exists(const ZmString& path) { return zm_regular_file(path); }
+
+unsigned char ZmFile::writable(const ZmString& path) { return put(path, "a", ZmString()); }
+
+long long ZmFile::size(const ZmString& path) { return status(path).st_size; }
+
+std::time_t ZmFile::modified(const ZmString& path) { return status(path).st_mtime; }
+
+unsigned char ZmFile::remove(const ZmString& path) { return ::unlink(path.value()) == 0; }
+
+unsigned char ZmFile::touch(const ZmString& path) {
+  if (!exists(path)) put(path, "w", ZmString());
+  const std::time_t now = std::time(nullptr);
+  const utimbuf times{now, now};
+  ::utime(path.value(), &times);
+  return 1;
+}
+
+unsigned char ZmFile::hidden(const ZmString&) { return 0; }
+
+unsigned char ZmFile::clearhidden(const ZmString&) { return 0; }
+
+unsigned char ZmFile::chown(const ZmString& path, unsigned int owner, unsigned int group) {
+  return ::chown(path.value(), owner, group) == 0;
+}
+
+unsigned char ZmFile::chmod(const ZmString& path, unsigned short mode) {
+  return ::chmod(path.value(), mode) == 0;
+}
+
+ZmString ZmFile::filename(const ZmString& path) {
+  const auto text = view(path);
+  return zm_string(text.substr(text.rfind('/') + 1));  // without a slash: from 0 on
+}
+
+ZmString ZmFile::dirbase(const ZmString& path) {
+  const auto text = view(path);
+  const auto slash = text.rfind('/');
+  return slash == text.npos ? ZmString() : zm_string(text.substr(0, slash));
+}
+
+ZmString ZmFile::uniquefile() {
+  ZmString name("torvel");
+  name += static_cast<int>(::getpid());
+  name += "u";
+  name += _file_unique;
+  name += ".tmp";
+  _file_unique = static_cast<int>(static_cast<unsigned>(_file_unique) + 1);
+  return name;
+}

@@ -1,0 +1,22 @@
+#include "ZmOption.h"
+
+#include "ZmText.h"
+
+ZmOption::ZmOption(const ZmOption& other) : ZmPack(other) { ZmOption::copy(other); }
+
+ZmOption& ZmOption::operator=(const ZmOption& other) {
+  ZmPack::operator=(other);
+  copy(other);
+  return *this;
+}
+
+// A copy is a fresh definition for another run: it never hands on what the user typed.
+void ZmOption::copy(const ZmOption& other) {
+  name_ = other.name_;
+  tag_ = other.tag_;
+  exists_ = other.exists_;
+}
+
+int ZmOption::match(const ZmString& s) const {
+  return view(name_).starts_with(view(s)) ? s.length() : 0;
+}

@@ -1,0 +1,347 @@
+#include "ZmRange.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <new>
+#include <optional>
+#include <queue>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "ZmCursor.h"
+#include "ZmNumber.h"
+#include "ZmSplit.h"
+#include "ZmText.h"
+
+namespace {
+
+constexpr ZmCharSet kBlank(" \t\n");  // no "\r"
+constexpr ZmCharSet kRange(" \t\n0123456789xX-,"), kNeverFirst("xX,");
+
+struct Number {
+  int value;
+  int digits;  // how many, leading zeros included
+};
+
+std::optional<Number> number(ZmCursor& in) {
+  in.skip(kBlank);
+  const bool negative = in.accept('-');
+  const ZmDigits digits = zm_digits(in);
+  if (digits.count == 0) return std::nullopt;
+  return Number{static_cast<int>(negative ? 0 - digits.value : digits.value), digits.count};
+}
+
+bool mark(ZmCursor& in, char c) {
+  in.skip(kBlank);
+  return in.accept(c);
+}
+
+// One item of a range text. In 64 bits, where no span or step can overflow.
+struct Item {
+  std::int64_t first;
+  std::int64_t last;
+  std::int64_t step = 1;    // at least 1
+  bool complement = false;  // "X": what the steps leave out
+
+  std::int64_t distance() const { return first <= last ? last - first : first - last; }
+  std::int64_t count() const {
+    const std::int64_t met = distance() / step + 1;
+    return complement ? distance() + 1 - met : met;
+  }
+  int at(std::int64_t d) const { return static_cast<int>(first <= last ? first + d : first - d); }
+  int* write(int* out) const;
+};
+
+// Writes count() values and returns the place behind them.
+int* Item::write(int* out) const {
+  if (count() == 0) return out;  // a long span with X1: not worth walking
+  for (std::int64_t d = 0; d <= distance(); d += step) {
+    if (!complement) *out++ = at(d);
+    const std::int64_t left_out = complement ? std::min(d + step, distance() + 1) : d;
+    for (std::int64_t e = d + 1; e < left_out; ++e) *out++ = at(e);
+  }
+  return out;
+}
+
+// Reads the items of a range text, one a call.
+class Items {
+ public:
+  explicit Items(std::string_view text) : in_(text) {}
+  std::optional<Item> next();  // nothing from the first misfit on
+  // The digits of the first number, once next() has met it.
+  std::optional<int> padding() const { return padding_; }
+
+ private:
+  ZmCursor in_;
+  bool more_ = true;
+  std::optional<int> padding_;
+};
+
+std::optional<Item> Items::next() {
+  if (!more_) return std::nullopt;
+  more_ = false;
+  const auto first = number(in_);
+  if (!first) return std::nullopt;
+  if (!padding_) padding_ = first->digits;
+  Item item{first->value, first->value};
+  if (mark(in_, '-')) {
+    const auto last = number(in_);
+    if (!last) return std::nullopt;
+    item.last = last->value;
+    const bool grid = mark(in_, 'x');
+    if (grid || mark(in_, 'X')) {
+      const auto step = number(in_);
+      if (!step) return std::nullopt;
+      item.step = std::max<std::int64_t>(1, std::abs(std::int64_t{step->value}));
+      item.complement = !grid;
+    }
+  }
+  more_ = mark(in_, ',');
+  return item;
+}
+
+void push(ZmStringList& out, std::unique_ptr<ZmString> text) {
+  if (!out.push(text.get())) throw std::bad_alloc();
+  static_cast<void>(text.release());
+}
+
+// "A-B", or "A-BxG" for a gap G above 1.
+void appendspan(ZmString& text, int last, std::int64_t gap) {
+  text.append('-');
+  text += last;
+  if (gap > 1) {
+    text.append('x');
+    text += static_cast<long long>(gap);
+  }
+}
+
+void pushspan(ZmStringList& out, int first, int last, std::int64_t gap) {
+  auto text = std::make_unique<ZmString>(first);
+  if (first != last) appendspan(*text, last, gap);
+  push(out, std::move(text));
+}
+
+// The text around the bracket of a pattern item.
+struct Frame {
+  std::string before;
+  std::string after;
+
+  // One name, in a buffer of just its size.
+  std::unique_ptr<ZmString> around(int value, int padding) const {
+    const ZmNumberText number(value);
+    std::string_view digits = number.view();
+    const auto width = std::max(static_cast<std::size_t>(padding), digits.size());
+    const std::size_t size = before.size() + width + after.size() + 1;
+    if (size > INT_MAX) throw std::bad_alloc();
+    auto name = std::make_unique<ZmString>();
+    name->_resize(static_cast<int>(size));
+    append(*name, before);
+    std::size_t zeros = width - digits.size();
+    if (value < 0) {  // the sign stands first and counts for the width
+      name->append('-');
+      digits.remove_prefix(1);
+    }
+    for (; zeros > 0; --zeros) name->append('0');
+    append(*name, digits);
+    append(*name, after);
+    return name;
+  }
+};
+
+}  // namespace
+
+ZmRange::ZmRange(const ZmString& text) { add(text); }
+
+ZmRange::ZmRange(const ZmRange& other) : ZmBase(other), padding_(other.padding_) {
+  if (other.count_ > 0) std::copy(other._begin(), other._end(), _extend(other.count_));
+}
+
+ZmRange& ZmRange::operator=(const ZmRange& other) {
+  ZmRange copy(other);
+  std::swap(values_, copy.values_);
+  count_ = copy.count_;
+  padding_ = copy.padding_;
+  return *this;
+}
+
+int ZmRange::type() const { return 89; }
+
+void ZmRange::parse(const ZmString& text) {
+  clear();
+  add(text);
+}
+
+void ZmRange::add(const ZmString& text) {
+  std::int64_t total = 0;
+  Items counted(view(text));
+  while (const auto item = counted.next()) total += item->count();
+  if (total > 0) {
+    int* out = _extend(total);
+    Items items(view(text));
+    while (const auto item = items.next()) out = item->write(out);
+  }
+  if (counted.padding()) padding_ = *counted.padding();
+}
+
+void ZmRange::add(int value) { *_extend(1) = value; }
+
+void ZmRange::clear() {
+  values_.reset();
+  count_ = 0;
+}
+
+// Makes room for exactly n more values, at least one, and returns their place.
+int* ZmRange::_extend(std::int64_t n) {
+  if (n > INT_MAX - count_) throw std::bad_alloc();
+  auto values = std::make_unique_for_overwrite<int[]>(static_cast<std::size_t>(count_ + n));
+  int* added = std::copy(_begin(), _end(), values.get());
+  values_ = std::move(values);
+  count_ += static_cast<int>(n);
+  return added;
+}
+
+unsigned char ZmRange::has(int value) const { return std::find(_begin(), _end(), value) != _end(); }
+
+unsigned char ZmRange::has(const ZmString& text) const {
+  ZmRange wanted(text);
+  ZmRange held(*this);
+  wanted._strip();
+  held.sort();
+  return std::includes(held._begin(), held._end(), wanted._begin(), wanted._end());
+}
+
+// Equal integers can't be told apart, so any sorting does.
+void ZmRange::sort() { std::sort(_begin(), _end()); }
+
+void ZmRange::reverse() { std::reverse(_begin(), _end()); }
+
+void ZmRange::binary() {
+  if (count_ < 4) return;
+  struct Interval {
+    int low, high;
+  };
+  auto order = std::make_unique_for_overwrite<int[]>(static_cast<std::size_t>(count_));
+  int* out = order.get();
+  *out++ = get(0);
+  *out++ = get(count_ - 1);
+  std::queue<Interval> intervals;
+  for (intervals.push({0, count_ - 1}); !intervals.empty(); intervals.pop()) {
+    const auto [low, high] = intervals.front();
+    if (high - low < 2) continue;
+    const int middle = low + (high - low) / 2;
+    *out++ = get(middle);
+    intervals.push({low, middle});
+    intervals.push({middle, high});
+  }
+  values_ = std::move(order);
+}
+
+void ZmRange::_strip() {
+  sort();
+  count_ = static_cast<int>(std::unique(_begin(), _end()) - _begin());
+}
+
+// The distance from the value at i to the next one; above 32 bits at the extremes.
+std::int64_t ZmRange::_gap(int i) const { return std::int64_t{get(i + 1)} - get(i); }
+
+// Of a stripped range: the position where the run ends that starts at `from`, or `from` when none
+// does. A run has at least three values, and one that ends a run never starts another.
+int ZmRange::_run(int from) const {
+  int end = from + 1;
+  while (end < count_ - 1 && _gap(end) == _gap(from)) ++end;
+  return end - from < 2 ? from : end;
+}
+
+ZmString ZmRange::value() {
+  ZmString text;
+  _strip();
+  for (int i = 0; i < count_; ++i) {
+    if (i > 0) text.append(',');
+    const int end = _run(i);
+    if (end == i) {
+      text += get(i);
+    } else {
+      text.integervalue(get(i), padding_);
+      appendspan(text, get(end), _gap(i));
+      i = end;
+    }
+  }
+  return text;
+}
+
+void ZmRange::chunk(int size, ZmStringList& out) {
+  if (size < 1) return;
+  _strip();
+  if (count_ == 2 && size > 1) return pushspan(out, get(0), get(1), _gap(0));
+  for (int i = 0; i < count_; ++i) {
+    const int end = _run(i);
+    for (; end - i >= size; i += size) pushspan(out, get(i), get(i + size - 1), _gap(i));
+    pushspan(out, get(i), get(end), _gap(i));
+    i = end;
+  }
+}
+
+void ZmRange::partition(int parts, ZmStringList& out) {
+  if (parts >= 1) chunk(count_ / parts + (count_ % parts != 0), out);
+}
+
+unsigned char ZmRange::isrange(const ZmString& text) {
+  ZmCursor in(view(text));
+  if (kNeverFirst.has(in.peek())) return 0;
+  in.skip(kBlank);
+  if (in.eof()) return 0;
+  in.skip(kRange);
+  return in.eof();
+}
+
+void ZmRange::_arrange(int order) {
+  if (order >= 1 && order <= 3) sort();
+  if (order == 3 || order == 5) reverse();
+  if (order == 1 || order == 4) binary();
+}
+
+void ZmRange::patternsplit(int order, const ZmString& pattern, ZmStringList& out) {
+  if (isrange(pattern)) {
+    ZmRange range(pattern);
+    range._arrange(order);
+    for (int i = 0; i < range.count_; ++i) push(out, std::make_unique<ZmString>(range.get(i)));
+    return;
+  }
+  // Most patterns are plain names.
+  constexpr ZmCharSet kSpecial("[, \t\r\n");
+  ZmCursor in(view(pattern));
+  if (!in.until(kSpecial).empty() && in.eof())
+    return push(out, std::make_unique<ZmString>(pattern));
+  ZmStringList items;
+  zm_split_comma(view(pattern), items);
+  for (int i = 0; i < items.length(); ++i) _expand(order, *items.get(i), out);
+}
+
+// The range is the token behind the first "[". The one behind it is dropped, whatever it is.
+void ZmRange::_expand(int order, const ZmString& item, ZmStringList& out) {
+  ZmTokens tokens(view(item), ZmSyntax::kRange);
+  std::string_view token;
+  Frame frame;
+  while (tokens.next(token) && token != "[") frame.before += token;
+  if (!tokens.next(token)) return push(out, std::make_unique<ZmString>(item));
+  ZmRange range(zm_string(token));
+  tokens.next(token);
+  while (tokens.next(token)) frame.after += token;
+  range._arrange(order);
+  for (int i = 0; i < range.count_; ++i) push(out, frame.around(range.get(i), range.padding_));
+}
+
+void ZmRange::patternsplit(const ZmString& text, int& start, int& end, int& step) {
+  ZmCursor in(view(text));
+  const auto first = number(in);
+  if (!first) return;
+  start = first->value;
+  if (!mark(in, '-')) return;
+  const auto last = number(in);
+  if (!last) return;
+  end = last->value;
+  if (!mark(in, 'x') && !mark(in, 'X')) return;
+  if (const auto by = number(in)) step = by->value;
+}

@@ -1,0 +1,213 @@
+#include "ZmSplit.h"
+
+#include <memory>
+
+#include "ZmText.h"
+
+namespace {
+
+constexpr ZmCharSet kSpace(" \t\r\n"), kQuote("\"'"), kParen("()"), kBracket("[]");
+constexpr ZmCharSet kSingle("()*+-/:?"), kRelation("<=>");
+constexpr ZmCharSet kExpressionStop(" \t\r\n+*/?:)(-&><=!|\"'");
+constexpr ZmCharSet kWordStop(" \t\r\n()\"'"), kRangeStop(" \t\r\n[]");
+constexpr ZmCharSet kName("ABCDEFGHIJKLMNOPQRSTUVWXYZ_");
+constexpr ZmCharSet kCommandStop("ABCDEFGHIJKLMNOPQRSTUVWXYZ()");
+constexpr ZmCharSet kSplitStop(",\"'{"), kBrace("{}"), kBracketEnd("]");
+
+void push(ZmStringList& tokens, std::string_view text) {
+  auto token = std::make_unique<ZmString>(text.data(), static_cast<int>(text.size()));
+  if (tokens.push(token.get())) static_cast<void>(token.release());
+}
+
+std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && kSpace.has(text.front())) text.remove_prefix(1);
+  while (!text.empty() && kSpace.has(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+void appendspaceless(ZmString& to, std::string_view text) {
+  for (const char c : text)
+    if (!kSpace.has(c)) to.append(c);
+}
+
+// Skips "{" and what belongs to it; gives the contents without the outer braces. An unclosed group
+// runs to the end.
+std::string_view braced(ZmCursor& in) {
+  in.take();
+  const std::string_view from = in.rest();
+  for (int depth = 1; !in.eof();) {
+    in.until(kBrace);
+    depth += in.is('{') ? 1 : -1;
+    if (depth == 0) break;
+    in.take();
+  }
+  const std::string_view contents = from.substr(0, from.size() - in.left());
+  in.take();
+  return contents;
+}
+
+// Skips a quoted part with its quotes; a backslash takes the next character with it.
+void skipquoted(ZmCursor& in) {
+  const char quote = in.take()[0];
+  while (!in.eof() && !in.is(quote)) in.take(in.is('\\') ? 2 : 1);
+  in.take();
+}
+
+// With its quotes and backslashes. Only the byte before a quote decides whether it closes.
+std::string_view commandquoted(ZmCursor& in) {
+  const std::string_view from = in.rest();
+  std::size_t end = 1;
+  while (end < from.size() && (from[end] != from[0] || from[end - 1] == '\\')) ++end;
+  return in.take(end + 1);
+}
+
+std::string_view commandtoken(ZmCursor& in) {
+  if (kQuote.has(in.peek())) return commandquoted(in);
+  if (kParen.has(in.peek())) return in.take();
+  if (kName.has(in.peek())) return in.skip(kName);
+  return in.until(kCommandStop);
+}
+
+// Up to the comma or the end, as it stands in the text.
+std::string_view splitelement(ZmCursor& in) {
+  const std::string_view from = in.rest();
+  while (!in.eof() && !in.is(',')) {
+    if (kQuote.has(in.peek())) {
+      skipquoted(in);
+    } else if (in.is('{')) {
+      braced(in);
+    }
+    in.until(kSplitStop);
+  }
+  return trimmed(from.substr(0, from.size() - in.left()));
+}
+
+}  // namespace
+
+bool ZmTokens::next(std::string_view& token) {
+  in_.skip(kSpace);
+  if (in_.eof()) return false;
+  if (syntax_ == ZmSyntax::kRange) {
+    token = kBracket.has(in_.peek()) ? in_.take() : in_.until(kRangeStop);
+  } else if (kQuote.has(in_.peek())) {
+    token = _quoted();
+  } else {
+    token = syntax_ == ZmSyntax::kExpression ? _expression()
+            : syntax_ == ZmSyntax::kCallback ? _callback()
+                                             : _value();
+  }
+  return true;
+}
+
+std::string_view ZmTokens::_expression() {
+  const int c = in_.peek();
+  if (!kExpressionStop.has(c)) return in_.until(kExpressionStop);
+  if (kSingle.has(c)) return in_.take();
+  if (kRelation.has(c)) return in_.take(kRelation.has(in_.peek(1)) ? 2 : 1);
+  return in_.take(in_.peek(1) == (c == '!' ? '=' : c) ? 2 : 1);  // "!", "&" and "|" are left
+}
+
+std::string_view ZmTokens::_callback() {
+  return kParen.has(in_.peek()) ? in_.take() : in_.until(kWordStop);
+}
+
+std::string_view ZmTokens::_value() {
+  if (in_.is(',')) return in_.take();
+  return in_.is('{') ? braced(in_) : _callback();
+}
+
+// Escapes are resolved; an unterminated string ends with the input.
+std::string_view ZmTokens::_quoted() {
+  const char quote = in_.take()[0];
+  const std::string_view from = in_.rest();
+  while (!in_.eof() && !in_.is(quote) && !in_.is('\\')) in_.take();
+  if (!in_.is('\\')) {
+    const std::string_view plain = from.substr(0, from.size() - in_.left());
+    in_.take();
+    return plain;
+  }
+  unescaped_.assign(from.substr(0, from.size() - in_.left()));
+  while (!in_.eof() && !in_.is(quote)) {
+    if (in_.is('\\') && in_.left() > 1) in_.take();  // a lone last backslash is text
+    unescaped_ += in_.take();
+  }
+  in_.take();
+  return unescaped_;
+}
+
+void zm_tokenize(std::string_view text, ZmSyntax syntax, ZmStringList& tokens) {
+  ZmTokens in(text, syntax);
+  for (std::string_view token; in.next(token);) push(tokens, token);
+}
+
+void zm_tokenize_command(std::string_view text, ZmStringList& tokens) {
+  for (ZmCursor in(text); !in.eof();) push(tokens, commandtoken(in));
+}
+
+void zm_split(std::string_view text, ZmStringList& tokens) {
+  for (ZmCursor in(text); !in.eof();) {
+    const std::string_view element = splitelement(in);
+    if (in.accept(',') || !element.empty()) push(tokens, element);
+  }
+}
+
+// A scan step takes a bracket group or not, and then one more byte as ordinary text: so a "[" right
+// behind a group opens none.
+void zm_split_comma(std::string_view text, ZmStringList& tokens) {
+  std::string token;
+  for (ZmCursor in(text); !in.eof();) {
+    if (in.is('[')) {
+      token += in.until(kBracketEnd);
+      token += in.take();
+    }
+    if (in.accept(',')) {
+      push(tokens, token);
+      token.clear();
+    } else if (in.skip(kSpace).empty()) {
+      token += in.take();
+    }
+  }
+  if (!token.empty()) push(tokens, token);
+}
+
+void zm_split_char(std::string_view text, char separator, ZmStringList& tokens) {
+  while (!text.empty()) {
+    const std::size_t end = text.find(separator);
+    push(tokens, text.substr(0, end));
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+  }
+}
+
+void zm_split_space(std::string_view text, ZmStringList& tokens) {
+  ZmCursor in(text);
+  for (in.skip(kSpace); !in.eof(); in.skip(kSpace)) push(tokens, in.until(kSpace));
+}
+
+void zm_split_period(std::string_view text, ZmString& left, ZmString& right) {
+  const std::size_t end = text.find('.');
+  append(left, text.substr(0, end));
+  if (end != std::string_view::npos) append(right, text.substr(end + 1));
+}
+
+bool zm_split_equal(std::string_view text, ZmString& left, ZmString& right) {
+  const std::size_t end = text.find('=');
+  appendspaceless(left, text.substr(0, end));
+  if (end == std::string_view::npos) return false;
+  ZmCursor in(text.substr(end + 1));
+  in.skip(kSpace);
+  append(right, in.rest());
+  return true;
+}
+
+// Also ends at a "="; the last byte is never part of the name.
+bool zm_split_becomes(std::string_view text, ZmString& left, ZmString& right) {
+  if (text.empty()) return false;
+  std::size_t end = text.find_first_of(":=");
+  if (end == std::string_view::npos) end = text.size() - 1;
+  appendspaceless(left, text.substr(0, end));
+  if (text[end] != ':') return false;
+  ZmCursor in(text.substr(end + 1));
+  in.skip(kSpace);
+  append(right, in.rest());
+  return true;
+}

@@ -1,0 +1,139 @@
+#ifndef ZM_CONFIG_H
+#define ZM_CONFIG_H
+
+#include <string_view>
+
+#include "ZmAddress.h"
+#include "ZmPack.h"
+#include "ZmString.h"
+#include "ZmStringHash.h"
+#include "ZmStringList.h"
+
+/// One named section of settings: labels in the order in which they were first set, each with a
+/// text value, and the section's name and network address.
+///
+/// Lookups never fail: a missing label reads as the empty text. A section can also read a flat text
+/// of its own, without headers, and merge its values into a template. One thread at a time.
+///
+/// Its record: tag 1, the address; tag 3, the label order; tag 0, the options; tag 2, text, the
+/// name. Unpacking replaces each of these that the record holds. So does reading its XML form:
+/// "name", "address" and "options", an "item" for each label in their order. Only where labels and
+/// options don't agree, the label order stands in "labels" of its own.
+class ZmConfig : public ZmPack {
+ public:
+  /// @name Construction
+  /// @{
+  ZmConfig() = default;                           ///< Everything empty, not valid.
+  ZmConfig(const ZmString& path) { load(path); }  ///< Then load(path).
+  ZmConfig(const ZmConfig& other);                ///< Then copy(other).
+  ZmConfig& operator=(const ZmConfig& other) {
+    copy(other);
+    return *this;
+  }  ///< copy(other).
+  /// Copies address, name, options and label order. A label order that is empty is made from the
+  /// keys of the options, in hash order. The parsed text and the valid flag are not copied.
+  void copy(const ZmConfig& other);
+  /// @}
+
+  int type() const override { return 50; }                ///< The type code.
+  ZmString typeXML() const override { return "config"; }  ///< The XML element name.
+
+  /// @name Options
+  /// @{
+  /// The value, lent until the label is next set or removed; an empty text when it is absent.
+  const ZmString& option(const ZmString& label) const;
+  /// Sets the value. A new label goes to the end of the label order; a known one keeps its place.
+  void option(const ZmString& label, const ZmString& value);
+  unsigned char exists(const ZmString& label) const;  ///< Whether the label is set.
+  /// Removes the label and its value; 0 when it was not set.
+  unsigned char remove(const ZmString& label);
+  void labels(ZmStringList& list) const { list.copy(labels_); }  ///< Replaces the list by a copy.
+  ZmStringList optionlist() const { return labels_; }            ///< A copy of the label order.
+  const ZmStringList& _labels() const { return labels_; }        ///< The label order, lent.
+  /// The value of the label at position i (0 to the number of labels - 1), lent as by option().
+  const ZmString& _optionat(int i) const;
+  /// Sets every label of the other section, in its order, to the value it has there.
+  void inherit(const ZmConfig& other);
+  /// 1 when every label of the other section has the same value here (an absent one counts as the
+  /// empty text). Further labels of this section don't matter.
+  unsigned char matchsubset(const ZmConfig& other) const;
+  /// @}
+
+  void name(const ZmString& name) { name_ = name; }               ///< Sets the name.
+  const ZmString& name() const { return name_; }                  ///< The section's name.
+  void address(const ZmAddress& address) { address_ = address; }  ///< Sets the address.
+  const ZmAddress& address() const { return address_; }           ///< The section's address.
+  /// The name of the machine that the program runs on; it has nothing to do with the section.
+  ZmString host() const;
+
+  /// @name Section text
+  /// One "label = value" a line; "#" starts a comment; a header in brackets is passed over; spaces
+  /// inside a label are dropped. A value in single or double quotes or in braces (nested, over
+  /// several lines) is taken whole; any other ends at white space, "#" or a byte above 127, and
+  /// the rest of its line is ignored. Lines that don't fit are skipped.
+  /// @{
+  /// Reads the file's text; when it can't be opened only the valid flag changes, to 0.
+  void load(const ZmString& path);
+  unsigned char parse(const ZmString& text);                          ///< Reads the text. Always 1.
+  unsigned char revert(const ZmString& text) { return parse(text); }  ///< parse(text).
+  unsigned char valid() const { return valid_; }              ///< Whether a text has been read.
+  unsigned char eof() const { return position_ >= length_; }  ///< Whether the text is used up.
+  /// The byte under the cursor, sign-extended, and one step on; 0 at the end.
+  int get();
+  int peek() const;  ///< get() without the step.
+  /// The section as text, one "label = value" a line: multi-line values in braces, others that hold
+  /// a space in double quotes; nothing is escaped.
+  ZmString convert() const;
+  /// Merges the section into a template: its option lines, commented or not, get the section's
+  /// values, those of labels that the section lacks are commented out, and what the template does
+  /// not mention goes to its end.
+  ZmString usetemplate(const ZmString& text) const;
+  ZmString loadtemplate(const ZmString& path) const;  ///< usetemplate() of a file's text.
+  /// @}
+
+  void display() const;  ///< Prints a numbered listing.
+
+  void encode() override;     ///< Stores every member.
+  void decode() override;     ///< Restores every member.
+  void encodeXML() override;  ///< Stores every member.
+  void decodeXML() override;  ///< Restores every member.
+
+ private:
+  friend class ZmConfigReader;
+  friend class ZmExpander;
+
+  // The stored value of a label that is no ZmString yet; null when it is absent.
+  ZmString* _find(std::string_view label) const;
+  // option() for texts that are no ZmString yet. The position of a new label, -1 for a known one.
+  int _store(std::string_view label, unsigned int hash, std::string_view value);
+  template <class Make, class Assign>
+  int _place(std::string_view label, unsigned int hash, Make make, Assign assign);
+
+  unsigned char _parse();
+  void _whitespace();
+  bool _comment();
+  bool _header();
+  bool _option();
+  bool _value(ZmString& out);
+
+  ZmAddress address_;
+  ZmString name_;
+  ZmStringList labels_;  // in the order of their first setting
+  ZmStringHash options_;
+  int position_ = 0;  // cursor in the parsed text
+  ZmString text_;     // the parsed text
+  unsigned char valid_ = 0;
+  ZmString empty_;               // what a missing label reads as
+  const char* cache_ = nullptr;  // the parsed text's bytes and their number, set by _parse()
+  int length_ = 0;
+  // The stored values in label order, lent by the options: printing and expanding a section then
+  // needs no lookup. Of another length than the label order when that is not known.
+  ZmPointerArray values_;
+};
+
+/// Byte order: 1 when *a > *b, -1 when *a < *b, else 0.
+int _zm_config_cmp(const ZmString* a, const ZmString* b);
+/// The same, under the name that list sorting uses.
+int zm_config_sort_func(const ZmString* a, const ZmString* b);
+
+#endif

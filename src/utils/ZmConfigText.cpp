@@ -1,0 +1,207 @@
+// The section text parser and templates of ZmConfig.
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "ZmConfig.h"
+#include "ZmCursor.h"
+#include "ZmFile.h"
+#include "ZmSectionValue.h"
+#include "ZmText.h"
+
+namespace {
+
+constexpr ZmCharSet kBlank(" \t\r"), kTemplateBlank(" \t");
+constexpr ZmCharSet kPlainEnd(" \t\r\n#");
+constexpr ZmCharSet kLabelEnd(".=");
+constexpr ZmCharSet kLower("abcdefghijklmnopqrstuvwxyz");
+constexpr std::string_view kNotIncluded = "# these are not included in the template";
+
+// Takes what stands before the next c, and c.
+void through(ZmConfig& in, int c) {
+  while (!in.eof() && in.get() != c) {
+  }
+}
+
+// The three forms of a value. Each appends it to `out` and gives the last byte read, 0 when the
+// text ended.
+int quoted(ZmConfig& in, ZmString& out) {
+  const int quote = in.get();
+  while (!in.eof()) {
+    const int c = in.get();
+    if (c == quote || c == '\n') return c;
+    if (c != '\r') out.append(static_cast<char>(c));
+  }
+  return 0;
+}
+
+int braced(ZmConfig& in, ZmString& out) {
+  in.get();
+  for (int depth = 1; !in.eof();) {
+    const int c = in.get();
+    if (c == '{') ++depth;
+    if (c == '}' && --depth == 0) return c;
+    if (c != '\r') out.append(static_cast<char>(c));
+  }
+  return 0;
+}
+
+int plain(ZmConfig& in, ZmString& out) {
+  while (!in.eof()) {
+    const int c = in.get();
+    if (c < 0 || kPlainEnd.has(c)) return c;
+    out.append(static_cast<char>(c));
+  }
+  return 0;
+}
+
+// The next line of a template, without its newline. Newlines inside braces belong to the line.
+std::string_view templateline(ZmCursor& in) {
+  const std::string_view from = in.rest();
+  for (std::size_t depth = 0; !in.eof() && (depth > 0 || !in.is('\n')); in.take()) {
+    if (in.is('{')) ++depth;
+    if (in.is('}') && depth > 0) --depth;
+  }
+  const std::string_view line = from.substr(0, from.size() - in.left());
+  in.accept('\n');
+  return line;
+}
+
+// The label that a template line sets, commented out or not; nothing when it sets none.
+std::optional<std::string> templatelabel(std::string_view line) {
+  ZmCursor in(line);
+  if (in.accept('#')) {
+    in.until(kLower);
+    if (in.eof()) return std::nullopt;
+  }
+  std::string label;
+  for (; !kLabelEnd.has(in.peek()); in.take()) {
+    if (in.eof()) return std::nullopt;
+    if (!kTemplateBlank.has(in.peek())) label += static_cast<char>(in.peek());
+  }
+  if (!in.is('=')) return std::nullopt;
+  return label;
+}
+
+}  // namespace
+
+void ZmConfig::load(const ZmString& path) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.value(), "r"),
+                                                             std::fclose);
+  valid_ = file != nullptr;
+  if (!file) return;
+  position_ = 0;
+  text_.clear();
+  char block[1024];
+  for (std::size_t n = sizeof block; n == sizeof block;) {
+    n = std::fread(block, 1, sizeof block, file.get());
+    text_.append(block, static_cast<int>(n));
+  }
+  _parse();
+}
+
+unsigned char ZmConfig::parse(const ZmString& text) {
+  position_ = 0;
+  text_ = text;
+  valid_ = 1;
+  return _parse();
+}
+
+int ZmConfig::peek() const { return eof() ? 0 : static_cast<signed char>(cache_[position_]); }
+
+int ZmConfig::get() {
+  const int c = peek();
+  if (!eof()) ++position_;
+  return c;
+}
+
+unsigned char ZmConfig::_parse() {
+  cache_ = text_.value();
+  length_ = text_.length();
+  while (!eof()) {
+    _whitespace();
+    if (!_comment() && !_header() && !_option()) get();
+  }
+  return 1;
+}
+
+void ZmConfig::_whitespace() {
+  while (kBlank.has(peek())) get();
+}
+
+bool ZmConfig::_comment() {
+  if (eof() || peek() != '#') return false;
+  through(*this, '\n');
+  return true;
+}
+
+// A section text has no sections: the name of this one stays.
+bool ZmConfig::_header() {
+  if (eof() || peek() != '[') return false;
+  through(*this, ']');
+  return true;
+}
+
+bool ZmConfig::_option() {
+  ZmString label;
+  for (;;) {
+    if (eof()) return false;
+    if (_comment()) return true;
+    const int c = get();
+    if (c == '\n') return true;
+    if (c == '=') break;
+    if (!kBlank.has(c)) label.append(static_cast<char>(c));
+  }
+  ZmString value;
+  if (!_value(value)) return false;
+  option(label, value);
+  return true;
+}
+
+bool ZmConfig::_value(ZmString& out) {
+  if (eof()) return false;
+  _whitespace();
+  out.clear();
+  const int first = peek();
+  const int last = first == '\'' || first == '"' ? quoted(*this, out)
+                   : first == '{'                ? braced(*this, out)
+                                                 : plain(*this, out);
+  if (last != '\n') through(*this, '\n');
+  return true;
+}
+
+ZmString ZmConfig::loadtemplate(const ZmString& path) const {
+  return usetemplate(ZmFile::load(path));
+}
+
+ZmString ZmConfig::usetemplate(const ZmString& text) const {
+  ZmString result;
+  std::set<std::string, std::less<>> used;
+  for (ZmCursor in(view(text)); !in.eof();) {
+    const std::string_view line = templateline(in);
+    const auto label = templatelabel(line);
+    const ZmString name = label ? zm_string(*label) : ZmString();
+    if (label && exists(name)) {
+      if (used.insert(*label).second) zm_append_option(result, name, option(name));
+    } else if (line != kNotIncluded) {
+      if (label && line[0] != '#') result.append('#');
+      append(result, line);
+      result.append('\n');
+    }
+  }
+  ZmString unused;
+  for (int i = 0; i < labels_.length(); ++i) {
+    const ZmString& name = *labels_.get(i);
+    if (!used.contains(view(name))) zm_append_option(unused, name, option(name));
+  }
+  if (unused.length() > 0) {
+    append(result, kNotIncluded);
+    result.append('\n');
+    result += unused;
+  }
+  return result;
+}

@@ -217,10 +217,10 @@ void ZmPack::restore(int tag, ZmString& value) {
   int length = 0;
   if (!_take(tag, kText, length)) return;
   const unsigned char* bytes = _bytes(length);
+  consumed_ = bytes != nullptr;
   if (!bytes) return;
   if (value.isundef() && length > 0) value._resize(length + 1);  // no room to grow
   value.copy(reinterpret_cast<const char*>(bytes), length);
-  consumed_ = bytes != nullptr;
 }
 
 void ZmPack::restore(int tag, ZmPack& value) {

@@ -1,0 +1,98 @@
+#include "ZmPackObj.h"
+
+#include <utility>
+#include <vector>
+
+#include "ZmPackObjHash.h"
+#include "ZmPackObjList.h"
+#include "ZmText.h"
+
+namespace {
+
+constexpr int kFew = 8;  // so many elements are searched one by one
+
+}  // namespace
+
+ZmPackObj::~ZmPackObj() { _clear(); }
+
+void ZmPackObj::_clear() {
+  if (!inside_) return;
+  _forget();
+  // The list takes over what its elements hold, and theirs in turn: deletion goes one level deep.
+  for (int i = 0; i < inside_->length(); ++i) {
+    const std::unique_ptr<ZmPackObj> element(inside_->get(i));
+    if (!element->inside_) continue;
+    element->_forget();
+    for (int j = 0; j < element->length(); ++j) inside_->push(element->get(j));
+    element->inside_->release();
+  }
+  inside_->release();
+  delete std::exchange(inside_, nullptr);
+}
+
+void ZmPackObj::_forget() const {
+  if (!index_) return;
+  index_->release();
+  delete std::exchange(index_, nullptr);
+}
+
+void ZmPackObj::copy(const ZmPackObj& other) {
+  if (this == &other) return;
+  ZmPackObj made;  // first: the other may stand inside this one
+  std::vector<std::pair<const ZmPackObj*, ZmPackObj*>> open{{&other, &made}};
+  while (!open.empty()) {
+    const auto [from, to] = open.back();
+    open.pop_back();
+    to->name_ = from->name_;
+    if (from->key_) to->key_ = std::make_unique<ZmString>(*from->key_);
+    if (from->text_) to->text_ = std::make_unique<ZmString>(*from->text_);
+    for (int i = 0; i < from->length(); ++i) {
+      auto* element = new ZmPackObj;
+      to->push(element);
+      open.emplace_back(from->get(i), element);
+    }
+  }
+  _clear();
+  name_ = made.name_;
+  key_ = std::move(made.key_);
+  text_ = std::move(made.text_);
+  std::swap(inside_, made.inside_);
+}
+
+int ZmPackObj::length() const { return inside_ ? inside_->length() : 0; }
+ZmPackObj* ZmPackObj::get(int i) const { return inside_ ? inside_->get(i) : nullptr; }
+
+ZmPackObj* ZmPackObj::find(const ZmString& name) const {
+  if (length() > kFew) return _indexed(name);
+  for (int i = length() - 1; i >= 0; --i)
+    if (view(get(i)->name()) == view(name)) return get(i);
+  return nullptr;
+}
+
+ZmPackObj* ZmPackObj::_indexed(const ZmString& name) const {
+  if (!index_) {
+    index_ = new ZmPackObjHash;
+    for (int i = length() - 1; i >= 0; --i)
+      if (!index_->get(get(i)->name())) index_->set(get(i), get(i)->name());
+  }
+  return index_->get(name);
+}
+
+const ZmString& ZmPackObj::_unnamed() {
+  static const ZmString none;
+  return none;
+}
+
+void ZmPackObj::name(std::shared_ptr<const ZmString> name) { name_ = std::move(name); }
+void ZmPackObj::key(std::unique_ptr<ZmString> key) { key_ = std::move(key); }
+void ZmPackObj::text(std::unique_ptr<ZmString> text) { text_ = std::move(text); }
+std::unique_ptr<ZmString> ZmPackObj::takekey() { return std::move(key_); }
+std::unique_ptr<ZmString> ZmPackObj::taketext() { return std::move(text_); }
+
+void ZmPackObj::push(ZmPackObj* element) {
+  if (!element) return;
+  _forget();
+  if (!inside_) inside_ = new ZmPackObjList;
+  inside_->push(element);
+  text_.reset();
+}

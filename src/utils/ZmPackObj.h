@@ -1,0 +1,66 @@
+#ifndef ZM_PACK_OBJ_H
+#define ZM_PACK_OBJ_H
+
+#include <memory>
+
+#include "ZmBase.h"
+#include "ZmString.h"
+
+class ZmPackObjHash;
+class ZmPackObjList;
+
+/// One element of an XML text that has been read: a name, perhaps a key, and either a text or the
+/// elements inside it, in their order. unpackXML() reads a text into a tree of these.
+///
+/// Owns what is inside. Copying and destruction take any depth without recursion. One thread at a
+/// time.
+class ZmPackObj : public ZmBase {
+ public:
+  ZmPackObj() = default;                                         ///< Without name, key and text.
+  ZmPackObj(const ZmPackObj& other) : ZmBase() { copy(other); }  ///< A deep copy.
+  ZmPackObj& operator=(const ZmPackObj& other) {
+    copy(other);
+    return *this;
+  }                                         ///< copy(other).
+  ~ZmPackObj() override;                    ///< Slot 0.
+  virtual int type() const { return 156; }  ///< Slot 1. The type code.
+  void copy(const ZmPackObj& other);        ///< A deep copy.
+
+  /// @name What was read; lent until the next change
+  /// @{
+  const ZmString& name() const { return name_ ? *name_ : _unnamed(); }  ///< The element's name.
+  /// The key under which it stands in a hash; null when it has none.
+  const ZmString* key() const { return key_.get(); }
+  /// The text; null when the element holds elements, or when its encoding can't be read.
+  const ZmString* text() const { return text_.get(); }
+  int length() const;           ///< Number of elements directly inside.
+  ZmPackObj* get(int i) const;  ///< The one at i, from 0; null on a miss.
+  /// The last one of that name inside; null on a miss. A search does not depend on their number.
+  ZmPackObj* find(const ZmString& name) const;
+  /// @}
+
+  /// @name Building and taking apart
+  /// @{
+  void name(std::shared_ptr<const ZmString> name);  ///< Sets the name; often shared.
+  void key(std::unique_ptr<ZmString> key);          ///< Sets the key; null: none.
+  void text(std::unique_ptr<ZmString> text);        ///< Sets the text; null: none.
+  std::unique_ptr<ZmString> takekey();              ///< The key, now the caller's.
+  std::unique_ptr<ZmString> taketext();             ///< The text, now the caller's.
+  /// Puts an element behind those inside and owns it; the text is given up. Null is ignored.
+  void push(ZmPackObj* element);
+  /// @}
+
+ private:
+  static const ZmString& _unnamed();
+  void _clear();
+  void _forget() const;  // drops index_
+  ZmPackObj* _indexed(const ZmString& name) const;
+
+  std::shared_ptr<const ZmString> name_;  // null: empty
+  std::unique_ptr<ZmString> key_;
+  std::unique_ptr<ZmString> text_;
+  ZmPackObjList* inside_ = nullptr;         // null while empty
+  mutable ZmPackObjHash* index_ = nullptr;  // of inside_ by name, lent; made by the first search
+};
+
+#endif

@@ -1,0 +1,10 @@
+#ifndef ZM_PACK_OBJ_LIST_H
+#define ZM_PACK_OBJ_LIST_H
+
+#include "ZmBaseList.h"
+#include "ZmPackObj.h"
+
+/// A list of parsed elements.
+class ZmPackObjList : public ZmBaseList<ZmPackObj> {};
+
+#endif

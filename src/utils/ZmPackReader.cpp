@@ -1,0 +1,143 @@
+#include "ZmPackReader.h"
+
+#include <expat.h>
+
+#include <climits>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "ZmText.h"
+#include "ZmXMLText.h"
+
+namespace {
+
+using Parser = std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)>;
+
+// After a stop Expat still calls handlers for what it has in hand.
+template <class Step>
+void guarded(void* user, Step step) noexcept {
+  auto& reader = *static_cast<ZmPackReader*>(user);
+  if (reader.stopped()) return;
+  try {
+    step(reader);
+  } catch (const std::bad_alloc&) {
+    reader.stop(ZmPackReader::kNoMemory);
+  }
+}
+
+// Called where "<!DOCTYPE name" ends, before any declaration inside it is read.
+void refuse(void* user, const XML_Char*, const XML_Char*, const XML_Char*, int) noexcept {
+  guarded(user, [](ZmPackReader& reader) { reader.stop(ZmPackReader::kRefused); });
+}
+
+// The attributes that mean something here; null when absent.
+struct Attributes {
+  explicit Attributes(const char** list) {
+    for (; *list; list += 2)
+      if (const char** value = find(*list)) *value = list[1];
+  }
+  const char** find(const char* attribute) {
+    const auto is = [attribute](const char* one) { return std::strcmp(attribute, one) == 0; };
+    if (is("key")) return &key;
+    if (is("encoding")) return &encoding;
+    if (is("key-encoding")) return &key_encoding;
+    if (is("name")) return &name;
+    return is("name-encoding") ? &name_encoding : nullptr;
+  }
+
+  const char* encoding = nullptr;
+  const char* key = nullptr;
+  const char* key_encoding = nullptr;
+  const char* name = nullptr;
+  const char* name_encoding = nullptr;
+};
+
+int size(std::string_view text) { return static_cast<int>(text.size()); }
+
+}  // namespace
+
+void ZmPackStartElement(void* reader, const char* name, const char** attributes) noexcept {
+  guarded(reader, [=](ZmPackReader& to) { to.start(name, attributes); });
+}
+
+void ZmPackEndElement(void* reader, const char*) noexcept {
+  guarded(reader, [](ZmPackReader& to) { to.end(); });
+}
+
+void ZmPackData(void* reader, const char* text, int length) noexcept {
+  guarded(reader, [=](ZmPackReader& to) { to.data({text, static_cast<std::size_t>(length)}); });
+}
+
+ZmPackReader::Result ZmPackReader::read(std::string_view text) {
+  if (text.size() > INT_MAX) return kBroken;
+  const Parser parser(XML_ParserCreate(nullptr), XML_ParserFree);
+  if (!parser) throw std::bad_alloc();
+  parser_ = parser.get();
+  XML_SetUserData(parser_, this);
+  XML_SetElementHandler(parser_, ZmPackStartElement, ZmPackEndElement);
+  XML_SetCharacterDataHandler(parser_, ZmPackData);
+  XML_SetStartDoctypeDeclHandler(parser_, refuse);
+  const bool well_formed = XML_Parse(parser_, text.data(), size(text), 1) == XML_STATUS_OK;
+  if (XML_GetErrorCode(parser_) == XML_ERROR_NO_MEMORY) result_ = kNoMemory;
+  parser_ = nullptr;
+  if (result_ == kNoMemory) throw std::bad_alloc();
+  return result_ == kDone && !well_formed ? kBroken : result_;
+}
+
+void ZmPackReader::stop(Result why) {
+  result_ = why;
+  XML_StopParser(parser_, XML_FALSE);
+}
+
+ZmPackReader::Encoding ZmPackReader::encoding(const char* name) {
+  if (!name) return kPlain;
+  return std::string_view(name) == "base64" ? kBase64 : kUnknown;
+}
+
+std::unique_ptr<ZmString> ZmPackReader::decoded(std::string_view value, Encoding encoding) {
+  if (encoding == kUnknown) return nullptr;
+  auto bytes = std::make_unique<ZmString>();
+  if (encoding == kBase64) return zm_from_base64(value, *bytes) ? std::move(bytes) : nullptr;
+  // Without the room to grow that a copy gets: what is read stays as it is.
+  if (!value.empty()) bytes->_resize(size(value) + 1);
+  bytes->copy(value.data(), size(value));
+  return bytes;
+}
+
+const std::shared_ptr<const ZmString>& ZmPackReader::named(const char* name) {
+  if (!name_ || std::strcmp(name_->value(), name) != 0) name_ = decoded(name, kPlain);
+  return name_;
+}
+
+void ZmPackReader::append(std::string_view text) { ::append(text_, text); }
+
+void ZmPackReader::start(const char* name, const char** attributes) {
+  if (open_.size() >= kDepth) return stop(kRefused);
+  auto made = std::make_unique<ZmPackObj>();
+  ZmPackObj* element = made.get();
+  if (open_.empty()) {
+    root_ = std::move(made);
+  } else {
+    open_.back()->push(made.release());
+  }
+  open_.push_back(element);
+  leaf_ = true;
+  text_.clear();
+
+  const Attributes given(attributes);
+  encoding_ = encoding(given.encoding);
+  if (given.key) element->key(decoded(given.key, encoding(given.key_encoding)));
+  if (given.name && std::strcmp(name, "element") == 0) {
+    element->name(decoded(given.name, encoding(given.name_encoding)));
+  } else {
+    element->name(named(name));
+  }
+}
+
+void ZmPackReader::end() {
+  ZmPackObj& element = *open_.back();
+  open_.pop_back();
+  if (leaf_) element.text(decoded(view(text_), encoding_));
+  leaf_ = false;
+}

@@ -1,0 +1,256 @@
+// The XML form of packs: writing, and reading from the parsed tree.
+#include <charconv>
+#include <climits>
+#include <cstring>
+#include <new>
+#include <string_view>
+#include <system_error>
+
+#include "ZmCursor.h"
+#include "ZmPack.h"
+#include "ZmPackObj.h"
+#include "ZmPackReader.h"
+#include "ZmText.h"
+#include "ZmXMLText.h"
+
+namespace {
+
+constexpr std::string_view kItem = "item";
+
+constexpr ZmCharSet kBlank(" \t\r\n");
+// What does not stand for itself: inside an element, and inside an attribute, where readers make
+// spaces of tabs and line ends.
+constexpr ZmCharSet kMarkup("&<>\r\x7f"), kQuoted("&<>\r\x7f\"\t\n");
+
+std::string_view reference(char c) {
+  switch (c) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '"':
+      return "&quot;";
+    case '\t':
+      return "&#9;";
+    case '\n':
+      return "&#10;";
+    case '\r':
+      return "&#13;";
+    default:
+      return "&#127;";
+  }
+}
+
+std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && kBlank.has(text.front())) text.remove_prefix(1);
+  while (!text.empty() && kBlank.has(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+}  // namespace
+
+// --- writing ---
+
+// Writes elements at the end of a pack's buffer.
+struct ZmPack::Writer {
+  void put(std::string_view text) {
+    if (text.size() > INT_MAX) throw std::bad_alloc();
+    pack._store(text.data(), static_cast<int>(text.size()));
+  }
+  void escaped(std::string_view text, const ZmCharSet& special) {
+    for (ZmCursor in(text); !in.eof();) {
+      put(in.until(special));
+      if (!in.eof()) put(reference(in.take()[0]));
+    }
+  }
+  void attribute(std::string_view label, std::string_view value) {
+    put(" ");
+    put(label);
+    if (zm_xml_text(value)) {
+      put("=\"");
+      escaped(value, kQuoted);
+    } else {
+      put("-encoding=\"base64\" ");
+      put(label);
+      put("=\"");
+      put(view(zm_base64(value)));
+    }
+    put("\"");
+  }
+  void indent() {
+    for (int i = 0; i < pack.depth_; ++i) put("  ");
+  }
+  // The start tag up to where ">" belongs.
+  void open() {
+    indent();
+    put("<");
+    put(tag);
+    if (tag != name) attribute("name", name);
+    if (key) attribute("key", view(*key));
+  }
+  void close() {
+    put("</");
+    put(tag);
+    put(">\n");
+  }
+  void leaf(std::string_view text) {
+    open();
+    if (text.empty()) return put("/>\n");
+    if (zm_xml_text(text)) {
+      put(">");
+      escaped(text, kMarkup);
+    } else {
+      put(" encoding=\"base64\">");
+      put(view(zm_base64(text)));
+    }
+    close();
+  }
+  void branch(ZmPack& value) {
+    open();
+    put(">\n");
+    const int from = pack.used_;
+    ++pack.depth_;
+    if (&value == &pack) {
+      value.encodeXML();
+    } else {
+      // As for a nested record: it writes straight into this buffer.
+      value._clear();
+      pack._swap(value);
+      value.depth_ = pack.depth_;
+      value.encodeXML();
+      value.depth_ = 0;
+      pack._swap(value);
+    }
+    --pack.depth_;
+    if (pack.used_ == from) {
+      pack.used_ -= 2;
+      return put("/>\n");
+    }
+    indent();
+    close();
+  }
+
+  ZmPack& pack;
+  std::string_view name;
+  const ZmString* key = nullptr;
+  std::string_view tag = zm_xml_name(name) ? name : "element";
+};
+
+void ZmPack::packXML() {
+  used_ = 0;
+  depth_ = 0;
+  const ZmString name = typeXML();
+  Writer root{*this, view(name)};
+  root.put("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+  root.branch(*this);
+}
+
+template <class T>
+void ZmPack::_numberXML(const ZmString& name, T value) {
+  char digits[64];  // the longest: a float's 15
+  const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+  Writer{*this, view(name)}.leaf({digits, static_cast<std::size_t>(end - digits)});
+}
+
+void ZmPack::storeXML(const ZmString& name, int value) { _numberXML(name, value); }
+void ZmPack::storeXML(const ZmString& name, long long value) { _numberXML(name, value); }
+void ZmPack::storeXML(const ZmString& name, float value) { _numberXML(name, value); }
+void ZmPack::storeXML(const ZmString& name, unsigned char value) {
+  _numberXML(name, static_cast<int>(value));
+}
+void ZmPack::storeXML(const ZmString& name, char value) {
+  Writer{*this, view(name)}.leaf({&value, 1});
+}
+void ZmPack::storeXML(const ZmString& name, const ZmString& value) {
+  Writer{*this, view(name)}.leaf(view(value));
+}
+void ZmPack::storeXML(const ZmString& name, const char* value) {
+  Writer{*this, view(name)}.leaf(value ? value : "");
+}
+void ZmPack::storeXML(const ZmString& name, ZmPack& value) {
+  if (&value != this) Writer{*this, view(name)}.branch(value);
+}
+
+void ZmPack::_storeItem(const ZmString* key, const ZmString& value) {
+  Writer{*this, kItem, key}.leaf(view(value));
+}
+void ZmPack::_storeItem(const ZmString* key, ZmPack& value) {
+  if (&value != this) Writer{*this, kItem, key}.branch(value);
+}
+
+// --- reading ---
+
+int ZmPack::unpackXML(const char* text, int length) {
+  enum { kBroken = 1, kEmpty = 2, kOther = 3, kRefused = 4 };
+  if (!text || length <= 0) return kBroken;
+  ZmPackReader reader;
+  const auto result = reader.read({text, static_cast<std::size_t>(length)});
+  if (result != ZmPackReader::kDone) return result == ZmPackReader::kRefused ? kRefused : kBroken;
+  ZmPackObj& root = reader.root();
+  if (view(root.name()) != view(typeXML())) return kOther;
+  if (root.length() == 0) return kEmpty;
+  _decodeXML(root);
+  return 0;
+}
+
+const ZmString* ZmPack::_text(const ZmString& name) const {
+  const ZmPackObj* element = _element() ? _element()->find(name) : nullptr;
+  return element ? element->text() : nullptr;
+}
+
+template <class T>
+void ZmPack::_takeXML(const ZmString& name, T& value) const {
+  const ZmString* held = _text(name);
+  if (!held) return;
+  const std::string_view text = trimmed(view(*held));
+  const char* end = text.data() + text.size();
+  T number{};
+  const auto [at, error] = std::from_chars(text.data(), end, number);
+  if (error == std::errc() && at == end) value = number;
+}
+
+void ZmPack::restoreXML(const ZmString& name, int& value) { _takeXML(name, value); }
+void ZmPack::restoreXML(const ZmString& name, long long& value) { _takeXML(name, value); }
+void ZmPack::restoreXML(const ZmString& name, float& value) { _takeXML(name, value); }
+void ZmPack::restoreXML(const ZmString& name, unsigned char& value) { _takeXML(name, value); }
+
+void ZmPack::restoreXML(const ZmString& name, char& value) {
+  const ZmString* text = _text(name);
+  if (text && text->length() == 1) value = text->get(0);
+}
+
+void ZmPack::restoreXML(const ZmString& name, ZmString& value) {
+  const ZmString* text = _text(name);
+  if (text) value.copy(text->value(), text->length());
+}
+
+void ZmPack::restoreXML(const ZmString& name, ZmPack& value) {
+  ZmPackObj* element = _element() ? _element()->find(name) : nullptr;
+  if (element && &value != this) value._decodeXML(*element);
+}
+
+void ZmPack::_decodeXML(ZmPackObj& element) {
+  _clear();
+  element_ = &element;
+  code_ = kElement;
+  decodeXML();
+  cursor_ = nullptr;
+  code_ = 0;
+}
+
+bool ZmPack::_hasXML(const ZmString& name) const { return _element() && _element()->find(name); }
+
+ZmPackObj* ZmPack::_item(int& at) const {
+  const ZmPackObj* element = _element();
+  while (element && at < element->length()) {
+    ZmPackObj* item = element->get(at++);
+    if (view(item->name()) == kItem) return item;
+  }
+  return nullptr;
+}
+
+std::unique_ptr<ZmString> ZmPack::_takeItem(ZmPackObj& item, const ZmString*) {
+  return item.taketext();
+}

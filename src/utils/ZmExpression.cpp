@@ -1,0 +1,338 @@
+#include "ZmExpression.h"
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+#include "ZmEvaluation.h"
+#include "ZmExpressionParser.h"
+#include "ZmOperator.h"
+#include "ZmSplit.h"
+#include "ZmStack.h"
+#include "ZmText.h"
+
+namespace {
+
+constexpr int kInfix = 0, kPostfix = 1, kPrefix = 2;  // notations
+
+void indentation(long long n) {
+  constexpr std::string_view blanks =
+      "                                                                ";
+  const auto size = static_cast<long long>(blanks.size());
+  for (; n > 0; n -= size) std::cout.write(blanks.data(), std::min(n, size));
+}
+
+}  // namespace
+
+// Visits a tree, parents first; children may not change.
+template <class Node, class Visit>
+void ZmExpression::_each(Node* root, Visit visit) {
+  ZmStack<Node*> pending;
+  for (pending.push(root); !pending.empty();) {
+    Node* node = pending.pop();
+    visit(*node);
+    if (node->b_) pending.push(node->b_);
+    if (node->a_) pending.push(node->a_);
+  }
+}
+
+// Needs neither recursion nor memory: each first child is turned above its parent, until the tree
+// is a chain of second children.
+void ZmExpression::_destroy(ZmExpression* tree) {
+  while (tree) {
+    if (ZmExpression* a = tree->a_) {
+      tree->a_ = a->b_;
+      a->b_ = tree;
+      tree = a;
+    } else {
+      ZmExpression* rest = std::exchange(tree->b_, nullptr);
+      delete tree;
+      tree = rest;
+    }
+  }
+}
+
+ZmExpression::ZmExpression(const ZmExpression& other) : ZmPack(other) { copy(other); }
+
+ZmExpression& ZmExpression::operator=(const ZmExpression& other) {
+  copy(other);
+  ZmPack::operator=(other);
+  return *this;
+}
+
+ZmExpression::~ZmExpression() {
+  _destroy(a_);
+  _destroy(b_);
+  if (!reference_) return;
+  reference_->decrement();
+  if (reference_->count() < 1) delete reference_;
+}
+
+void ZmExpression::copy(const ZmExpression& other) {
+  if (this == &other) return;
+  struct Pair {
+    const ZmExpression* from;
+    ZmExpression* to;
+  };
+  ZmExpression tree;
+  ZmStack<Pair> pending;
+  for (pending.push({&other, &tree}); !pending.empty();) {
+    const auto [from, to] = pending.pop();
+    to->_fill(*from);
+    if (from->a_) pending.push({from->a_, to->a_ = new ZmExpression});
+    if (from->b_) pending.push({from->b_, to->b_ = new ZmExpression});
+  }
+  _changed();
+  op_ = tree.op_;
+  value_ = tree.value_;
+  name_ = tree.name_;
+  operator_ = tree.operator_;
+  valuereq_ = tree.valuereq_;
+  validreq_ = tree.validreq_;
+  // What was held here goes with the temporary.
+  std::swap(a_, tree.a_);
+  std::swap(b_, tree.b_);
+  std::swap(reference_, tree.reference_);
+}
+
+// Everything but the children.
+void ZmExpression::_fill(const ZmExpression& other) {
+  op_ = other.op_;
+  value_ = other.value_;
+  name_ = other.name_;
+  operator_ = other.operator_;
+  _sources(other);
+}
+
+void ZmExpression::_sources(const ZmExpression& other) {
+  valuereq_ = other.valuereq_;
+  validreq_ = other.validreq_;
+  _hold(other.reference_);
+}
+
+void ZmExpression::_hold(ZmReference* reference) {
+  reference_ = reference;
+  if (reference) reference->increment();
+}
+
+// Whatever the node, or a tree that contains it, was known to come to may be different now.
+void ZmExpression::_changed() {
+  constant_ = kUnread;
+  foldedat_ = 0;
+  if (folded_) ZmEvaluation::changed();
+}
+
+void ZmExpression::_operator(const ZmOperator* known) {
+  append(op_, known->name);
+  operator_ = known;
+}
+
+void ZmExpression::op(const ZmString& op) {
+  _changed();
+  op_ = op;
+  operator_ = zm_operator(view(op_));
+}
+
+void ZmExpression::value(const ZmString& value) {
+  _changed();
+  value_ = value;
+}
+
+void ZmExpression::name(const ZmString& name) {
+  _changed();
+  name_ = name;
+}
+
+void ZmExpression::a(ZmExpression* a) {
+  _changed();
+  a_ = a;
+}
+
+void ZmExpression::b(ZmExpression* b) {
+  _changed();
+  b_ = b;
+}
+
+void ZmExpression::validreq(ValidRequest request) {
+  _each(this, [request](ZmExpression& node) { node.validreq_ = request; });
+}
+
+void ZmExpression::valuereq(ValueRequest request) {
+  _each(this, [request](ZmExpression& node) {
+    node._changed();
+    node.valuereq_ = request;
+  });
+}
+
+void ZmExpression::reference(ZmReference* reference) {
+  _each(this, [reference](ZmExpression& node) {
+    node._changed();
+    node._hold(reference);
+  });
+}
+
+unsigned char ZmExpression::parse(const ZmString& text, int notation) {
+  if (notation != kPrefix) return _parse(text, ZmSyntax::kExpression, notation);
+  ZmStringList tokens;
+  tokenize(text, tokens);
+  return _parse(tokens, notation);
+}
+
+unsigned char ZmExpression::callbackparse(const ZmString& text) {
+  return _parse(text, ZmSyntax::kCallback, kInfix);
+}
+
+unsigned char ZmExpression::valueparse(const ZmString& text) {
+  return _parse(text, ZmSyntax::kValue, kInfix);
+}
+
+// Without a list: infix and postfix take the tokens as they come.
+bool ZmExpression::_parse(const ZmString& text, ZmSyntax syntax, int notation) {
+  ZmExpressionParser parser(*this);
+  ZmTokens in(view(text), syntax);
+  for (std::string_view token; in.next(token);) {
+    if (notation == kPostfix) {
+      parser.postfix(token);
+    } else {
+      parser.infix(token);
+    }
+  }
+  return parser.finish();
+}
+
+unsigned char ZmExpression::_parse(ZmStringList& tokens, int notation) {
+  ZmExpressionParser parser(*this);
+  const int n = tokens.length();
+  for (int i = 0; i < n; ++i) {
+    ZmString& token = *tokens.get(notation == kPrefix ? n - 1 - i : i);
+    if (notation == kPrefix || notation == kPostfix) {
+      parser.postfix(view(token));
+    } else if (parser.infix(view(token))) {
+      token = "--";
+    }
+  }
+  return parser.finish();
+}
+
+int ZmExpression::precedence(const ZmString& op) { return zm_operator(view(op))->precedence; }
+
+bool ZmExpression::_unary() const { return operator_ && operator_->unary(); }
+
+bool ZmExpression::_known() const {
+  if (value_.length() > 0) return true;
+  if (reference_) return reference_->valid(name_);
+  return !validreq_ || validreq_(name_);
+}
+
+unsigned char ZmExpression::isvalid() const {
+  ZmStack<const ZmExpression*> pending;
+  for (pending.push(this); !pending.empty();) {
+    const ZmExpression* node = pending.pop();
+    if (node->name_.length() > 0) {
+      if (!node->_known()) return 0;
+    } else if (node->b_) {
+      if (node->a_ && !node->_unary()) pending.push(node->a_);
+      pending.push(node->b_);
+    }
+  }
+  return 1;
+}
+
+void ZmExpression::variables(ZmStringList& out) const {
+  ZmStack<const ZmExpression*> pending;
+  for (pending.push(this); !pending.empty();) {
+    const ZmExpression* node = pending.pop();
+    if (node->reference_ && node->name_.length() > 0 && node->reference_->variable(node->name_)) {
+      auto name = std::make_unique<ZmString>(node->name_);
+      if (out.push(name.get())) static_cast<void>(name.release());
+    } else if (node->b_) {
+      if (node->a_ && !node->_unary()) pending.push(node->a_);
+      pending.push(node->b_);
+    }
+  }
+}
+
+void ZmExpression::eval(ZmScalar& result) {
+  if (!ZmEvaluation::recall(*this, result)) ZmEvaluation(*this).run(result);
+}
+
+void ZmExpression::display(int indent) const {
+  struct Line {
+    const ZmExpression* node;
+    long long indent;
+  };
+  ZmStack<Line> pending;
+  for (pending.push({this, indent}); !pending.empty();) {
+    const auto [node, at] = pending.pop();
+    const bool leaf = node->name_.length() > 0;
+    indentation(at);
+    std::cout << view(leaf ? node->name_ : node->op_) << '\n';
+    if (leaf) continue;
+    if (node->b_) pending.push({node->b_, at + 2});
+    if (node->a_) pending.push({node->a_, at + 2});
+  }
+}
+
+void ZmExpression::tokenize(const ZmString& source, ZmStringList& tokens) {
+  zm_tokenize(view(source), ZmSyntax::kExpression, tokens);
+}
+
+void ZmExpression::callbacktokenize(const ZmString& source, ZmStringList& tokens) {
+  zm_tokenize(view(source), ZmSyntax::kCallback, tokens);
+}
+
+void ZmExpression::valuetokenize(const ZmString& source, ZmStringList& tokens) {
+  zm_tokenize(view(source), ZmSyntax::kValue, tokens);
+}
+
+void ZmExpression::rangetokenize(const ZmString& source, ZmStringList& tokens) {
+  zm_tokenize_range(view(source), tokens);
+}
+
+void ZmExpression::commandtokenize(const ZmString& source, ZmStringList& tokens) {
+  zm_tokenize_command(view(source), tokens);
+}
+
+void ZmExpression::split(const ZmString& source, ZmStringList& elements) {
+  zm_split(view(source), elements);
+}
+
+void ZmExpression::split(const ZmString& source, ZmStringHash& elements) {
+  ZmStringList list;
+  split(source, list);
+  for (int i = 0; i < list.length(); ++i) elements.set(new ZmString(*list.get(i)), *list.get(i));
+}
+
+void ZmExpression::splitcomma(const ZmString& source, ZmStringList& elements) {
+  zm_split_comma(view(source), elements);
+}
+
+void ZmExpression::splitslash(const ZmString& source, ZmStringList& elements) {
+  splitchar(source, '/', elements);
+}
+
+void ZmExpression::splittab(const ZmString& source, ZmStringList& elements) {
+  splitchar(source, '\t', elements);
+}
+
+void ZmExpression::splitchar(const ZmString& source, char separator, ZmStringList& elements) {
+  zm_split_char(view(source), separator, elements);
+}
+
+void ZmExpression::splitspace(const ZmString& source, ZmStringList& elements) {
+  zm_split_space(view(source), elements);
+}
+
+void ZmExpression::splitperiod(const ZmString& source, ZmString& left, ZmString& right) {
+  zm_split_period(view(source), left, right);
+}
+
+unsigned char ZmExpression::splitequal(const ZmString& source, ZmString& left, ZmString& right) {
+  return zm_split_equal(view(source), left, right);
+}
+
+unsigned char ZmExpression::splitbecomes(const ZmString& source, ZmString& left, ZmString& right) {
+  return zm_split_becomes(view(source), left, right);
+}

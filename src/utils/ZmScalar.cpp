@@ -1,0 +1,89 @@
+#include "ZmScalar.h"
+
+#include "ZmOperator.h"
+#include "ZmSplit.h"
+#include "ZmStringList.h"
+#include "ZmText.h"
+
+namespace {
+
+bool haselement(const ZmString& list, const ZmString& element) {
+  ZmStringList elements;
+  zm_split(view(list), elements);
+  return elements.find(element) >= 0;
+}
+
+// Strings: a truth value for every operator.
+bool compared(ZmOperation operation, ZmScalar& a, ZmScalar& b) {
+  switch (operation) {
+    case ZmOperation::kEqual:
+      return a.stringvalue() == b.stringvalue();
+    case ZmOperation::kUnequal:
+      return a.stringvalue() != b.stringvalue();
+    case ZmOperation::kAnd:
+      return a.integervalue() != 0 && b.integervalue() != 0;
+    case ZmOperation::kIn:
+      return haselement(b.stringvalue(), a.stringvalue());
+    case ZmOperation::kHas:
+      return haselement(a.stringvalue(), b.stringvalue());
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+void ZmScalar::copy(const ZmScalar&) {}
+
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
+ZmScalar& ZmScalar::operator=(const ZmScalar&) { return *this; }
+
+void ZmScalar::value(const ZmString& text) {
+  if (text.isinteger()) {
+    _set(text.integervalue());
+  } else if (text.isfloat()) {
+    _set(text.floatvalue());
+  } else {
+    kind_ = kString;
+    string_ = text;
+  }
+}
+
+int ZmScalar::integervalue() const {
+  if (kind_ == kInteger) return integer_;
+  return kind_ == kFloat ? zm_integer(float_) : string_.integervalue();
+}
+
+float ZmScalar::floatvalue() const {
+  if (kind_ == kInteger) return static_cast<float>(integer_);
+  return kind_ == kFloat ? float_ : string_.floatvalue();
+}
+
+ZmString& ZmScalar::stringvalue() {
+  if (kind_ == kInteger) string_.copy(integer_);
+  if (kind_ == kFloat) string_.copy(float_);
+  return string_;
+}
+
+void ZmScalar::eval(const ZmString& op, ZmScalar& a, ZmScalar& result) {
+  const ZmOperation operation = zm_operator(view(op))->operation;
+  if (a.kind_ == kInteger) {
+    result._set(zm_unary(operation, a.integer_));
+  } else if (a.kind_ == kFloat) {
+    result._set(zm_unary(operation, a.float_));
+  } else {
+    result.kind_ = kString;
+  }
+}
+
+void ZmScalar::eval(const ZmString& op, ZmScalar& a, ZmScalar& b, ZmScalar& result) {
+  const ZmOperation operation = zm_operator(view(op))->operation;
+  const Kind kind = a.kind_ > b.kind_ ? a.kind_ : b.kind_;
+  if (kind == kInteger) {
+    result._set(zm_binary(operation, a.integer_, b.integer_));
+  } else if (kind == kFloat) {
+    result._set(zm_binary(operation, a.floatvalue(), b.floatvalue()));
+  } else {
+    result._set(compared(operation, a, b) ? 1 : 0);
+  }
+}

@@ -74,13 +74,15 @@ int ZmConfig::_place(std::string_view label, unsigned int hash, Make make, Assig
   auto* listed = known ? nullptr : new ZmString(label.data(), count);
   auto* key = new ZmString(label.data(), count);
   if (!table.fill(spot, value, key, hash)) options_._set(value, key, hash);
-  if (known) {
+  if (listed) labels_.push(listed);
+  // A growth of the table may drop one of two labels that differ behind a zero byte only.
+  if (listed && values_.length() + 1 == labels_.length() &&
+      table.entries() == labels_.length()) {
+    values_.push(value);
+  } else {
     values_.release();
-    return -1;
   }
-  if (values_.length() == labels_.length()) values_.push(value);
-  labels_.push(listed);
-  return labels_.length() - 1;
+  return listed ? labels_.length() - 1 : -1;
 }
 
 ZmString* ZmConfig::_find(std::string_view label) const {

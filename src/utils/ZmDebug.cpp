@@ -111,6 +111,6 @@ void zm_debug_filename(const ZmString& name, int mode) {
 void zm_debug_logfiles(const ZmString& base, ZmStringList& list) {
   for (int week = 0; week < kWeeks; ++week) {
     auto name = std::make_unique<ZmString>(base + "." + week);
-    if (ZmFile::exists(*name) && list.push(name.get())) name.release();
+    if (ZmFile::exists(*name) && list.push(name.get())) static_cast<void>(name.release());
   }
 }

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
+#include <string_view>
 
 #include "ZmFileReader.h"
 #include "ZmText.h"
@@ -64,7 +65,8 @@ void ZmFile::decodeXML() {
 }
 
 void ZmFile::read(const ZmString& path) {
-  const ZmString source(path);  // the path may be one of the members
+  ZmString source;
+  source = path;  // a copy: the path may be one of the members
   if (!zm_read_file(source, data_)) return;
   name_ = filename(source);
   source_ = source;
@@ -140,7 +142,7 @@ ZmString ZmFile::filename(const ZmString& path) {
 ZmString ZmFile::dirbase(const ZmString& path) {
   const auto text = view(path);
   const auto slash = text.rfind('/');
-  return slash == text.npos ? ZmString() : zm_string(text.substr(0, slash));
+  return slash == std::string_view::npos ? ZmString() : zm_string(text.substr(0, slash));
 }
 
 ZmString ZmFile::uniquefile() {

@@ -16,7 +16,7 @@
 class ZmFile : public ZmPack {
  public:
   ZmFile() = default;                                    ///< Everything empty.
-  explicit ZmFile(const ZmString& path) { read(path); }  ///< read(path).
+  ZmFile(const ZmString& path) { read(path); }  ///< read(path).
 
   int type() const override { return 105; }             ///< The type code.
   ZmString typeXML() const override { return "file"; }  ///< The XML element name.
@@ -30,9 +30,8 @@ class ZmFile : public ZmPack {
   /// Takes the contents of a regular file, its name and its path. When it is none or can't be
   /// opened, the object stays as it was: compare source() to tell.
   void read(const ZmString& path);
-  unsigned char write(const ZmString& path) const {
-    return save(path, data_);
-  }                                                   ///< save(path, data).
+  /// save(path, data()).
+  unsigned char write(const ZmString& path) const { return save(path, data_); }
   ZmString& name() { return name_; }                  ///< The last component of the path.
   const ZmString& name() const { return name_; }      ///< The same.
   ZmString& source() { return source_; }              ///< The path as given to read().
@@ -75,9 +74,10 @@ class ZmFile : public ZmPack {
   static unsigned char touch(const ZmString& path);
   static unsigned char hidden(const ZmString& path);       ///< Does nothing. Always 0.
   static unsigned char clearhidden(const ZmString& path);  ///< Does nothing. Always 0.
-  static unsigned char chown(const ZmString& path, unsigned int owner,
-                             unsigned int group);                         ///< Ids.
-  static unsigned char chmod(const ZmString& path, unsigned short mode);  ///< Permission bits.
+  /// Sets the user and group id.
+  static unsigned char chown(const ZmString& path, unsigned int owner, unsigned int group);
+  /// Sets the permission bits.
+  static unsigned char chmod(const ZmString& path, unsigned short mode);
   /// @}
 
   /// @name Names

@@ -101,9 +101,8 @@ void ZmPack::store(int tag, const ZmString& value) {
 void ZmPack::store(int tag, const char* value) {
   const std::size_t n = value ? std::strlen(value) : 0;
   if (n > INT_MAX) throw std::bad_alloc();
-  unsigned char* at = _field(tag, kText, 4LL + static_cast<long long>(n));
-  zm_put_big_endian(at, static_cast<int>(n));
-  if (n > 0) std::memcpy(at + 4, value, n);
+  zm_put_big_endian(_field(tag, kText, 4), static_cast<int>(n));
+  _store(value, static_cast<int>(n));
 }
 
 void ZmPack::_swap(ZmPack& other) noexcept {

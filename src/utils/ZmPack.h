@@ -46,18 +46,16 @@ class ZmPackObj;
 ///     </config>
 ///
 /// - Numbers are decimal; a float has the fewest digits that give its bits back, or is "inf",
-/// "-inf",
-///   "nan" or "-nan". A char is a text of one byte.
+///   "-inf", "nan" or "-nan". A char is a text of one byte.
 /// - A text stands as it is, markup escaped. One that XML 1.0 can't carry (control characters,
-/// bytes
-///   that are no UTF-8) stands as base64 (RFC 4648) with encoding="base64". Every byte comes back.
+///   bytes that are no UTF-8) stands as base64 (RFC 4648) with encoding="base64". Every byte comes
+///   back.
 /// - A nested pack is an element with the elements of its members. The entries of lists and hashes
 ///   are "item" elements, those of a hash with their key, sorted by it.
 /// - A name that is not made of ASCII letters, digits, "_", "-" and "." stands in an attribute:
 ///   <element name="...">. Keys and such names take key-encoding and name-encoding="base64".
 /// - Of several elements of one name the last counts, as in a record. Unknown elements and
-/// attributes
-///   are ignored, and so is text beside elements.
+///   attributes are ignored, and so is text beside elements.
 ///
 /// Copies start with an empty buffer of their own. One thread at a time.
 class ZmPack : public ZmBase {
@@ -179,12 +177,14 @@ class ZmPack : public ZmBase {
 
   /// @name Stepping through a record, for containers whose decode() reads several fields
   /// @{
-  bool _next();                                 ///< Reads a field header; false when none is left.
-  void _yank();                                 ///< Skips the current field unless it was taken.
-  int _tag() const { return tag_; }             ///< Tag of the current field.
-  int _code() const { return code_; }           ///< Type code of the current field.
-  bool _consumed() const { return consumed_; }  ///< Whether the current field was taken.
-                                                /// @}
+  bool _next();                        ///< Reads a field header; false when none is left.
+  void _yank();                        ///< Skips the current field unless it was taken.
+  int _tag() const { return tag_; }    ///< Tag of the current field.
+  int _code() const { return code_; }  ///< Type code of the current field.
+  bool _consumed() const {
+    return consumed_;
+  }  ///< Whether the current field was taken.
+     /// @}
 
  private:
   void _clear() noexcept;

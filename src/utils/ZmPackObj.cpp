@@ -1,5 +1,6 @@
 #include "ZmPackObj.h"
 
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -93,6 +94,6 @@ void ZmPackObj::push(ZmPackObj* element) {
   if (!element) return;
   _forget();
   if (!inside_) inside_ = new ZmPackObjList;
-  inside_->push(element);
+  if (!inside_->push(element)) throw std::bad_alloc();
   text_.reset();
 }

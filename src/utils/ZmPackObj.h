@@ -35,7 +35,8 @@ class ZmPackObj : public ZmBase {
   const ZmString* text() const { return text_.get(); }
   int length() const;           ///< Number of elements directly inside.
   ZmPackObj* get(int i) const;  ///< The one at i, from 0; null on a miss.
-  /// The last one of that name inside; null on a miss. A search does not depend on their number.
+  /// The last one of that name inside; null on a miss. Names inside must not change after the first
+  /// search, which makes an index where there are many.
   ZmPackObj* find(const ZmString& name) const;
   /// @}
 

@@ -76,7 +76,6 @@ ZmPackReader::Result ZmPackReader::read(std::string_view text) {
   parser_ = parser.get();
   XML_SetUserData(parser_, this);
   XML_SetElementHandler(parser_, ZmPackStartElement, ZmPackEndElement);
-  XML_SetCharacterDataHandler(parser_, ZmPackData);
   XML_SetStartDoctypeDeclHandler(parser_, refuse);
   const bool well_formed = XML_Parse(parser_, text.data(), size(text), 1) == XML_STATUS_OK;
   if (XML_GetErrorCode(parser_) == XML_ERROR_NO_MEMORY) result_ = kNoMemory;
@@ -99,7 +98,7 @@ std::unique_ptr<ZmString> ZmPackReader::decoded(std::string_view value, Encoding
   if (encoding == kUnknown) return nullptr;
   auto bytes = std::make_unique<ZmString>();
   if (encoding == kBase64) return zm_from_base64(value, *bytes) ? std::move(bytes) : nullptr;
-  // Without the room to grow that a copy gets: what is read stays as it is.
+  // Without the room to grow that a copy gets: what is read mostly stays as it is.
   if (!value.empty()) bytes->_resize(size(value) + 1);
   bytes->copy(value.data(), size(value));
   return bytes;
@@ -110,7 +109,12 @@ const std::shared_ptr<const ZmString>& ZmPackReader::named(const char* name) {
   return name_;
 }
 
-void ZmPackReader::append(std::string_view text) { ::append(text_, text); }
+// Text beside elements, the indentation above all, is not worth a call.
+void ZmPackReader::listen(bool on) {
+  leaf_ = on;
+  text_.reset();
+  XML_SetCharacterDataHandler(parser_, on ? ZmPackData : nullptr);
+}
 
 void ZmPackReader::start(const char* name, const char** attributes) {
   if (open_.size() >= kDepth) return stop(kRefused);
@@ -119,11 +123,11 @@ void ZmPackReader::start(const char* name, const char** attributes) {
   if (open_.empty()) {
     root_ = std::move(made);
   } else {
-    open_.back()->push(made.release());
+    open_.back()->push(element);
+    static_cast<void>(made.release());
   }
   open_.push_back(element);
-  leaf_ = true;
-  text_.clear();
+  listen(true);
 
   const Attributes given(attributes);
   encoding_ = encoding(given.encoding);
@@ -135,9 +139,19 @@ void ZmPackReader::start(const char* name, const char** attributes) {
   }
 }
 
+void ZmPackReader::data(std::string_view text) {
+  if (text_) {
+    append(*text_, text);
+  } else {
+    text_ = decoded(text, kPlain);
+  }
+}
+
 void ZmPackReader::end() {
   ZmPackObj& element = *open_.back();
   open_.pop_back();
-  if (leaf_) element.text(decoded(view(text_), encoding_));
-  leaf_ = false;
+  if (!leaf_) return;
+  if (!text_) text_ = std::make_unique<ZmString>();
+  element.text(encoding_ == kPlain ? std::move(text_) : decoded(view(*text_), encoding_));
+  listen(false);
 }

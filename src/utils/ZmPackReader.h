@@ -32,9 +32,7 @@ class ZmPackReader {
   // What the handlers below are for.
   void start(const char* name, const char** attributes);
   void end();
-  void data(std::string_view text) {
-    if (leaf_) append(text);
-  }
+  void data(std::string_view text);
   void stop(Result why);
   bool stopped() const { return result_ != kDone; }
 
@@ -45,16 +43,16 @@ class ZmPackReader {
   const std::shared_ptr<const ZmString>& named(const char* name);
   static Encoding encoding(const char* name);
   static std::unique_ptr<ZmString> decoded(std::string_view value, Encoding encoding);  // or null
-  void append(std::string_view text);
+  void listen(bool on);  // whether data() is called
 
   XML_ParserStruct* parser_ = nullptr;  // while reading
   Result result_ = kDone;
   std::unique_ptr<ZmPackObj> root_;
   std::vector<ZmPackObj*> open_;  // from the root to the innermost open element
   std::shared_ptr<const ZmString> name_;
-  bool leaf_ = false;           // nothing has been found inside the innermost one
-  Encoding encoding_ = kPlain;  // of its text
-  ZmString text_;               // read so far; what stands beside elements is not kept
+  bool leaf_ = false;               // nothing has been found inside the innermost one
+  Encoding encoding_ = kPlain;      // of its text
+  std::unique_ptr<ZmString> text_;  // of the same, so far; null: empty
 };
 
 // Expat's handlers; the first argument, its user data, is a ZmPackReader. They throw nothing: what

@@ -58,7 +58,7 @@ ZmParam::ZmParam() {
 unsigned char ZmParam::_define(int tag, const ZmString& name) {
   auto option = std::make_unique<ZmOption>(tag, name);
   if (!options_.push(option.get())) return 0;
-  option.release();
+  static_cast<void>(option.release());
   return 1;
 }
 
@@ -72,7 +72,7 @@ unsigned char ZmParam::parse(int argc, char** argv) {
   ZmStringList args;
   for (int i = 1; i < argc; ++i) {
     auto argument = std::make_unique<ZmString>(argv[i]);
-    if (args.push(argument.get())) argument.release();
+    if (args.push(argument.get())) static_cast<void>(argument.release());
   }
   return parse(args);
 }

@@ -67,8 +67,10 @@ class ZmParam : public ZmBase {
   int length() const { return count_; }  ///< Number of positional arguments.
   /// The positional argument at i, from 0; the program name for any i outside 0..length()-1.
   const ZmString& arg(int i) const;
-  const ZmString& error() const { return error_; }  ///< Text of the last error, with line ends.
-  const ZmString& name() const { return name_; }    ///< The program name.
+  const ZmString& error() const {
+    return error_;
+  }  ///< Text of the last error, as it is to be printed.
+  const ZmString& name() const { return name_; }  ///< The program name.
 
   void displayHeader() const;  ///< Prints all options in one line on standard output.
   void displayHelp() const;    ///< Prints one option a line on standard output.

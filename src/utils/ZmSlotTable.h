@@ -31,6 +31,7 @@ class ZmSlotTable {
   static std::uint32_t hash(std::string_view key);
 
   int count() const { return count_; }
+  int entries() const { return entries_; }
   void* get(const ZmString& key) const { return get(view(key), hash(view(key))); }
   void* get(std::string_view key, std::uint32_t key_hash) const;
   // Where a key is and where set() would put it, as slots; -1: nowhere.

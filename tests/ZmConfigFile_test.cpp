@@ -1,0 +1,299 @@
+#include "ZmConfigFile.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ZmConfigScanner.h"
+#include "ZmText.h"
+
+namespace {
+
+using Rows = std::vector<std::pair<const char*, const char*>>;
+
+ZmString text(const std::string& s) { return zm_string(s); }
+
+std::string joined(const ZmStringList& list) { return list.join("|").value(); }
+
+// Every section, sorted: "[name]label=value;label=value;".
+std::string held(const ZmConfigFile& file) {
+  std::string result;
+  ZmStringList names;
+  file.keys(names);
+  names.sort();
+  for (int i = 0; i < names.length(); ++i) {
+    const ZmConfig& section = *file.config(*names.get(i));
+    EXPECT_TRUE(section.name() == *names.get(i));
+    result += "[" + std::string(view(section.name())) + "]";
+    const ZmStringList labels = section.optionlist();
+    for (int n = 0; n < labels.length(); ++n) {
+      result += std::string(view(*labels.get(n))) + "=";
+      result += std::string(view(section.option(*labels.get(n)))) + ";";
+    }
+  }
+  return result;
+}
+
+std::string read(const std::string& source) {
+  ZmConfigFile file;
+  file.parse(text(source));
+  return held(file);
+}
+
+void check(const Rows& rows) {
+  for (const auto& [source, sections] : rows) EXPECT_EQ(read(source), sections) << source;
+}
+
+// The sections, then what is said on standard error.
+std::string heard(const std::string& source) {
+  testing::internal::CaptureStderr();
+  const std::string sections = read(source);
+  return sections + " " + testing::internal::GetCapturedStderr();
+}
+
+std::string option(const ZmConfigFile& file, const char* section, const char* label) {
+  const ZmConfig* config = file.config(section);
+  return config ? config->option(label).value() : "no section";
+}
+
+}  // namespace
+
+TEST(ZmConfigFile, Tokenizes) {
+  const Rows rows = {{"", ""},
+                     {" a.b\t$c=d # e\n:]", "a.b|$c|=|d|\n|:|]"},
+                     {"a # b", "a"},  // a comment leaves nothing, blanks at the end an empty token
+                     {"a  ", "a|"},
+                     {"{a\\b\\\\}{ \\}c {\n}d}", "a\\b\\}{ }c {\n|d|}"},
+                     {"a{open", "a|open"},
+                     {"a\"\\\"\\\\ \\n#{}\"b", "a|\"|\"\\ \\n#{}|\"|b"},
+                     {"\"open\n\"open\r\"open", "\"|open|\"|\"|open|\"|\"|open|\""},
+                     {"a\\}b\r\n", "a|\\|}|b|\r|\n"},
+                     {"\"\\", "\"|\\|\""},
+                     {"\x01k\x7f\xe9y\x80=\v1", "ky|=|1"}};
+  for (const auto& [source, tokens] : rows) {
+    ZmStringList list;
+    ZmConfigFile().tokenize(source, list);
+    EXPECT_EQ(joined(list), tokens) << source;
+  }
+}
+
+TEST(ZmConfigScanner, KnowsWhereTokensStand) {
+  const std::string source("\x01 a\xe9\x62 \"q\\\"\" \r\n{x\r\ny}\rz\n\n#c\n=  ");
+  ZmConfigScanner scanner(source);
+  std::string places;
+  ZmConfigToken first, token;
+  while (scanner.next(token)) {
+    if (places.empty()) first = token;
+    const ZmConfigPosition at = scanner.position(token);
+    places += std::to_string(at.line) + ":" + std::to_string(at.column) + " ";
+  }
+  EXPECT_EQ(places, "1:3 1:7 1:8 1:11 1:13 1:14 2:1 3:3 4:1 4:2 5:1 6:3 7:1 7:4 ");
+  EXPECT_EQ(scanner.position(first).column, 3);
+}
+
+TEST(ZmConfigFile, ReadsValues) {
+  check({{"k = \"a b\"  # note\nl = a b c", "[default]k=a b;l=abc;"},
+         {"k = {line one\nline two}", "[default]k=line one\nline two;"},
+         {"k = \"open\nl = \"open", "[default]k=open;l=open;"},
+         {"k = a=b:c[d]{e f}\"g h\"", "[default]k=a=b:c[d]e f\"g h\";"},
+         {"k=\nl=2\nm=3", "[default]k=\nl=2;m=3;"},  // an empty value takes the next line
+         {"k=\r\nm=3", "[default]k=\r;m=3;"},
+         {"k = # note\nl=2", "[default]k=\nl=2;"},
+         {"k = 1\nk = # note", "[default]k=1;"},
+         {"k = 1\nk = \t", "[default]k=;"},
+         {"k = 1\nk = \"\"\nl = 2\nl = {}", "[default]k=;l=;"},
+         {"k = \"\" l = 2", "[default]k=;l=2;"},
+         {"k=1\nl=2\nk=3", "[default]k=3;l=2;"},
+         {"\"a b\" = 1\n{c\nd} = 2\n:=3\n= = 4", "[default]a b=1;c\nd=2;:=3;==4;"},
+         {"k{=}1\nl = \"\\\"\" x\" m\" = 5", "[default]k=1;l=;\" x=5;"},
+         {"k = 1\nno\nl = 2", "[default]k=1;"},  // the file ends at what is no option
+         {"k = 1\nl", "[default]k=1;"},
+         {"k = 1\n\"l", "[default]k=1;"},
+         {"k = 1\nl =", "[default]k=1;"},
+         {"# nothing\n", ""},
+         {" \t\r\n", ""}});
+}
+
+TEST(ZmConfigFile, ReadsHeaders) {
+  check({{"[a]\n[b]x=1", "[a][b]x=1;"},
+         {"x=1\n[a]y=2\n[default]z=3", "[a]y=2;[default]x=1;z=3;"},
+         {"[a b]\n[{c d}]\n[\"e\"]", "[\"e\"][ab][cd]"},  // a quote belongs to the name
+         {"[a # b]\n]x=1", "[a]x=1;"},
+         {"[node[1-3]]x=$_", "[node1]x=node1;[node2]x=node2;[node3]x=node3;"},
+         {"[n[09-10],m]", "[m][n09][n10]"},
+         {"[2-1]\n[x[]]y=1", "[1][2]"},  // options of a pattern without names go nowhere
+         {"[]x=1\n[a,,a]x=$_", "[]x=;[a]x=a;"},
+         {"[a\nx=1\n", "[ax=1]"},
+         {"[a[[b]c]d", "[a[[b]c]d]"},
+         {"other . k = 1\na . \"b\" = 2", "[other]k=1;"},
+         {"other.k = 1", "[default]other.k=1;"},
+         {"[a]x=1\n\"b c\" . y=$self.y\nz=2", "[a]x=1;z=2;[b c]y=;"},
+         {"[a]\nb . {x y} = 1\nb . c", "[a][b]x y=1;"},
+         {"a .\nx = 1", ""},
+         {"a .", ""}});
+}
+
+TEST(ZmConfigFile, CopiesParentsAsTheyStand) {
+  check({{"[a]x=1\ny=2\n[b]:a\ny=3\nz=4\n[a]x=5", "[a]x=5;y=2;[b]x=1;y=3;z=4;"},
+         {"[a]x=$self.y\ny=1\n[b]:a\ny=2", "[a]x=1;y=1;[b]x=1;y=2;"},
+         {"[a]x=$_$q.x\n[b]:a\n[q]x=1", "[a]x=a.x;[b]x=b.x;[q]x=1;"},
+         {"[a]x=1\n[b]x=2\ny=3\n[c,d]:a b\n[e]:b a",
+          "[a]x=1;[b]x=2;y=3;[c]x=2;y=3;[d]x=2;y=3;[e]x=1;y=3;"},
+         {"[a]x=1\n[a,b]:a\nx=$_", "[a]x=a;[b]x=b;"},
+         {"[a]x=1\ny=2\n[a]:a a\nz=3", "[a]x=1;y=2;z=3;"},
+         {"[a]x=1\n[{b c}]y=2\n[d]:{b c}a", "[a]x=1;[b c]y=2;[d]y=2;x=1;"}});
+  EXPECT_EQ(heard("[a b,c]: d a {e f}\n[c]:c"),
+            "[ab][c] WARNING: ab,c missing parent d... skipping.\n"
+            "WARNING: ab,c missing parent a... skipping.\n"
+            "WARNING: ab,c missing parent e f... skipping.\n");
+}
+
+TEST(ZmConfigFile, LowersNamesOfSectionsOnly) {
+  const std::string path = testing::TempDir() + "zm_lower.conf";
+  std::ofstream(path) << "[Base]Key=V\n[Node[1-2]] : Base Nope\nX . Y=$Base.Key\n";
+  testing::internal::CaptureStderr();
+  const ZmConfigFile file(path.c_str(), 1);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "WARNING: Node[1-2] missing parent Nope... skipping.\n");
+  EXPECT_EQ(held(file), "[X]Y=.Key;[base]Key=V;[node1]Key=V;[node2]Key=V;");
+  EXPECT_EQ(held(ZmConfigFile(path.c_str(), 0)), "[Base]Key=V;[Node1]Key=V;[Node2]Key=V;[X]Y=V;");
+  std::remove(path.c_str());
+  EXPECT_EQ(held(ZmConfigFile(path.c_str(), 0)), "");
+}
+
+TEST(ZmConfigFile, AddsToWhatItHas) {
+  ZmConfigFile file;
+  file.parse("x=1\n[a]y=$default.x");
+  file.default_section_name("top");
+  file.parse("x=2\n[a]z=$default.x\n[b]:a\nw=$a.z");  // only what is new is expanded
+  EXPECT_EQ(held(file), "[a]y=1;z=$default.x;[b]y=1;z=2;w=2;[default]x=1;[top]x=2;");
+  const ZmConfigHash copy = file.export_hash();
+  testing::internal::CaptureStdout();
+  ZmConfigFile one;
+  one.parse("x=\"1 2\"\ny={}");
+  one.display();
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "[default]\nx = '1 2'\ny = ''\n");
+  for (const char* name : {"a", "b", "default", "top"}) delete file.config(name);
+  file.release();
+  EXPECT_EQ(held(file), "");
+  EXPECT_STREQ(copy.get("b")->option("w").value(), "2");
+  EXPECT_STREQ(file.default_section_name().value(), "top");
+  EXPECT_EQ(file.type(), 80);
+}
+
+TEST(ZmConfigFile, CutsValuesIntoWords) {
+  ZmConfigFile file;
+  ZmStringList words;
+  file.stringtokenize("a \t.b{$}\\c\rd$$", words);
+  EXPECT_EQ(joined(words), "a| \t|.|b|{|$|}|\\|c|\r|d|$|$");
+  const Rows rows = {{"$self.x ${this} $selfish self", "$n.x ${n} $selfish self"},
+                     {"$$self $ self ${", "$$self $ self ${"},
+                     {"${{self} $this", "${{self} $n"}};
+  for (const auto& [value, local] : rows)
+    EXPECT_STREQ(file._localvalue("n", value).value(), local) << value;
+}
+
+TEST(ZmConfigFile, ExpandsReferences) {
+  ZmConfigFile file;
+  // The second reading sets everything again, and what is not new is not expanded.
+  for (int i = 0; i < 2; ++i)
+    file.parse(
+        "[a]x=1\ny=$x\nz=$b.z\n_=no\n[b]x=2\ny=$c.y\nz=$x\n\"self\"=me\n[c]y=\"$x$self.x\"\n"
+        "\"\"=none\n");
+  const Rows rows = {{"no reference", "no reference"},
+                     {"$x", "1"},
+                     {"$b.x,$c._,$_", "2,c,a"},
+                     {"${b.x}x${b._}x${x}x", "2xbx1x"},
+                     {"$x $x.$x", "11."},  // the word behind an unqualified one is lost
+                     {"$x.$x", ".1"},      // no section has this name
+                     {"${x}}y${x }y", "1y1y"},
+                     {"${x y}z", "1}z"},
+                     {"${b.x }y", "2 }y"},
+                     {"${b.}y", "y"},
+                     {"$nosuch,$nosuch.x,${nosuch.x}", ",.x},"},
+                     {"a$", "a"},
+                     {"a${", "a"},
+                     {"$$x", ""},
+                     {"$ x$", "x"},
+                     {"$b.", ""},
+                     {"$y$z", "$x"},        // as stored
+                     {"$a.y;$b.z", "1;1"},  // in the scope of the first
+                     {"$b.y", "12"},        // "self" moves with the qualifier
+                     {"$self.x$self", "2me"},
+                     {"$this._", "b"},
+                     {"\\$x", "\\1"},
+                     {"$x\r$x", "11"}};
+  for (const auto& [value, expanded] : rows) {
+    const std::string got(view(file._value("a", "b", value)));
+    EXPECT_EQ(got, expanded) << value;
+  }
+  EXPECT_STREQ(file._value("none", "b", "$x.y ${_}z $self.x").value(), ".y }z 2");
+}
+
+TEST(ZmConfigFile, ExpandsLaterSectionsFirstAndLabelsInOrder) {
+  check({{"[a]x=$b.y\nz=$x\n[b]y=$x\nx=1", "[a]x=1;z=1;[b]y=1;x=1;"},
+         {"[a]z=$x\nx=$b.y\n[b]y=$_", "[a]z=$b.y;x=b;[b]y=b;"},
+         {"[a]x=$b.y\n[b]y=$a.z\n[a]z=$_", "[a]x=a;z=a;[b]y=b;"},
+         {"[a]x=1\n[b]y=2\n[a]x=$b.y\n[b]y=$_", "[a]x=a;[b]y=b;"},
+         {"[a]x=\"$\"\ny=\"$a.x$b.z\"\n[b]z=\"$\"", "[a]x=;y=.z;[b]z=;"},
+         {"[a]x=\"$b.y $b.y $b.y\"\n[b]y=\"$z\"\nz=\"p q\"", "[a]x=  ;[b]y=p q;z=p q;"},
+         {"k = \"${base.root}x\"\n[base]root=/opt", "[base]root=/opt;[default]k=/optx;"},
+         {"k = ${base.root}x\n[base]root=/opt", "[base]root=/opt;[default]k=;"}});
+}
+
+TEST(ZmConfigFile, CutsCycles) {
+  const auto warning = [](const char* label) {
+    return "WARNING: section a option " + std::string(label) + " refers to itself... skipping.\n";
+  };
+  EXPECT_EQ(heard("[a]x=p$a.x"), "[a]x=p; " + warning("x"));
+  EXPECT_EQ(heard("[a]x=\"${a.x}${a.y}q\"\ny=${a.y}r${a.y}"),
+            "[a]x=q;y=; " + warning("x") + warning("yr"));
+  // Inside a cycle a result depends on where the cycle was entered.
+  EXPECT_EQ(heard("[a]\nw=\"${a.y}${a.y}\"\nk=\"k${a.y}\"\ny=\"y${a.k}\""),
+            "[a]w=ykyk;k=ky;y=yky; " + warning("y") + warning("k"));
+  EXPECT_EQ(heard("[a]\nx=\"1${a.y}${a.z}\"\ny=\"2${a.z}${a.x}\"\nz=\"3${a.x}${a.y}\"\n"),
+            "[a]x=12332;y=231233212332;z=312332231233212332; " + warning("x") + warning("y"));
+}
+
+TEST(ZmConfigFile, FollowsReferencesOfAnyShapeInLinearTime) {
+  const auto chain = [](int length, int step, const std::string& end) {
+    std::string source = "[a]\n";
+    for (int i = 0; i < length; ++i)
+      source += "o" + std::to_string(i) + "=$a.o" + std::to_string(i + step) + "\n";
+    return source + end;
+  };
+  constexpr int kDeep = 1'000'000;
+  ZmConfigFile file;
+  file.parse(text(chain(kDeep, 1, "o1000000=end")));
+  EXPECT_EQ(option(file, "a", "o0"), "end");
+  ZmConfigFile back;
+  back.parse(text(chain(kDeep, -1, "o-1=end")));
+  EXPECT_EQ(option(back, "a", "o999999"), "end");
+  testing::internal::CaptureStderr();
+  ZmConfigFile ring;
+  ring.parse(text(chain(kDeep, 1, "o1000000=\"${a.o0}end\"")));
+  EXPECT_EQ(option(ring, "a", "o0"), "end");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "WARNING: section a option o0 refers to itself... skipping.\n");
+
+  std::string diamond = "[a]\n";
+  for (int i = 0; i < 60; ++i) {
+    const std::string next = "${a.o" + std::to_string(i + 1) + "}";
+    diamond += "o" + std::to_string(i) + "=\"" + next + next + "\"\n";
+  }
+  EXPECT_EQ(read(diamond).size(), 3U + 10 * 4 + 50 * 5);
+
+  std::string tangle = "[a]\n";  // each option refers to every other one
+  for (int i = 0; i < 12; ++i) {
+    tangle += "o" + std::to_string(i) + "=\"";
+    for (int n = 0; n < 12; ++n)
+      if (n != i) tangle += "${a.o" + std::to_string(n) + "}";
+    tangle += "\"\n";
+  }
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(read(tangle).size(), 3U + 10 * 4 + 2 * 5);
+  EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+}

@@ -1,0 +1,130 @@
+#include "ZmConfig.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+#include "ZmConfigHash.h"
+#include "ZmConfigList.h"
+
+namespace {
+
+using Options = std::vector<std::pair<const char*, const char*>>;
+
+ZmConfig made(const Options& options) {
+  ZmConfig config;
+  for (const auto& [label, value] : options) config.option(label, value);
+  return config;
+}
+
+// "label=value;" in label order, as seen by every way to look at it.
+std::string held(const ZmConfig& config) {
+  std::string text;
+  ZmStringList labels;
+  config.labels(labels);
+  for (int i = 0; i < labels.length(); ++i) {
+    const ZmString& label = *labels.get(i);
+    EXPECT_TRUE(config.exists(label) && &config._optionat(i) == &config.option(label));
+    text += std::string(label.value()) + "=" + config.option(label).value() + ";";
+  }
+  return text;
+}
+
+}  // namespace
+
+TEST(ZmConfig, KeepsLabelsInTheOrderOfTheirFirstSetting) {
+  ZmConfig config = made({{"b", "1"}, {"a", "2"}, {"", "3"}, {"b", "4"}, {"A", ""}, {"a", ""}});
+  EXPECT_EQ(held(config), "b=4;a=;=3;A=;");
+  EXPECT_TRUE(config.option("missing").length() == 0 && !config.exists("missing"));
+  EXPECT_EQ(config.remove("missing"), 0);
+  EXPECT_EQ(config.remove("a"), 1);
+  config.option("a", "last");
+  config.option("b", config.option("a"));
+  config.option(config.option("b"), config.option("b"));
+  EXPECT_EQ(held(config), "b=last;=3;A=;a=last;last=last;");
+  for (const char* label : {"b", "", "A", "a", "last"}) EXPECT_EQ(config.remove(label), 1);
+  config.option("new", "1");
+  EXPECT_EQ(held(config), "new=1;");
+}
+
+TEST(ZmConfig, HoldsManyLabelsThroughReplacementsAndRemovals) {
+  ZmConfig config;
+  std::string expected;
+  for (int i = 0; i < 3000; ++i) config.option(i, i);
+  for (int i = 0; i < 3000; i += 3) config.remove(i);
+  for (int i = 1; i < 3000; i += 3) config.option(i, -i);
+  for (int i = 0; i < 3000; ++i)
+    if (i % 3) expected += std::to_string(i) + "=" + std::to_string(i % 3 == 1 ? -i : i) + ";";
+  EXPECT_EQ(held(config), expected);
+}
+
+TEST(ZmConfig, WipesASecureValueThatIsReplaced) {
+  ZmConfig config;
+  ZmString secret("hidden");
+  secret.secure(1);
+  config.option("key", secret);
+  EXPECT_EQ(config.option("key").secure(), 1);
+  config.option("key", "open");
+  EXPECT_EQ(config.option("key").secure(), 0);
+  EXPECT_EQ(held(config), "key=open;");
+}
+
+TEST(ZmConfig, CopiesDeeply) {
+  ZmConfig config = made({{"z", "1"}, {"a", "2"}});
+  config.name("node1");
+  ZmConfig other(config);
+  config.option("a", "changed");
+  EXPECT_EQ(held(other), "z=1;a=2;");
+  EXPECT_STREQ(other.name().value(), "node1");
+  other.parse("valid = 1");
+  config = other;
+  config = *&config;
+  EXPECT_TRUE(held(config) == "z=1;a=2;valid=1;" && !config.valid());
+  config = ZmConfig();
+  EXPECT_EQ(held(config), "");
+}
+
+TEST(ZmConfig, InheritsAndMatches) {
+  ZmConfig child = made({{"own", "1"}, {"both", "2"}});
+  const ZmConfig parent = made({{"new", "3"}, {"both", "4"}, {"none", ""}});
+  EXPECT_FALSE(child.matchsubset(parent));
+  EXPECT_TRUE(child.matchsubset(ZmConfig()) && child.matchsubset(made({{"absent", ""}})));
+  child.inherit(parent);
+  child.inherit(child);
+  EXPECT_EQ(held(child), "own=1;both=4;new=3;none=;");
+  EXPECT_TRUE(child.matchsubset(parent) && !parent.matchsubset(child));
+}
+
+TEST(ZmConfig, ConvertsAndDisplays) {
+  const ZmConfig config =
+      made({{"a", "x"}, {"b", "a \"b\""}, {"c", "1\n2"}, {"d", "\r"}, {"e", ""}});
+  EXPECT_STREQ(config.convert().value(), "a = x\nb = \"a \"b\"\"\nc = {1\n2}\nd = {\r}\ne = \n");
+  EXPECT_EQ(ZmConfig().convert().length(), 0);
+  testing::internal::CaptureStdout();
+  made({{"a", "x"}, {"b", "c d"}}).display();
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "items: 2\n0: a=x\n1: b=c d\n");
+}
+
+TEST(ZmConfig, Packs) {
+  ZmConfig config = made({{"z", "1"}, {"a", "2 3"}, {"", ""}});
+  config.name("node1");
+  config.address(ZmAddress("10.0.0.7"));
+  config.pack();
+  ZmConfig other = made({{"old", "1"}});
+  EXPECT_EQ(other.unpack(config.packData(), config.packSize()), 1);
+  EXPECT_EQ(held(other), "z=1;a=2 3;=;");
+  EXPECT_STREQ(other.name().value(), "node1");
+  EXPECT_TRUE(other.address() == config.address());
+  EXPECT_EQ(config.type() + ZmConfigList().type() + ZmConfigHash().type(), 50 + 51 + 51);
+}
+
+TEST(ZmConfig, ComparesNamesAndKnowsItsMachine) {
+  const ZmString a("a"), b("b"), none;
+  EXPECT_TRUE(_zm_config_cmp(&b, &a) == 1 && zm_config_sort_func(&none, &a) == -1);
+  EXPECT_EQ(zm_config_sort_func(&a, &a), 0);
+  char name[1024] = {};
+  ASSERT_EQ(::gethostname(name, sizeof name - 1), 0);
+  EXPECT_STREQ(ZmConfig().host().value(), name);
+}

@@ -1,0 +1,96 @@
+#include "ZmDebug.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <ctime>
+#include <filesystem>
+#include <string>
+
+#include "ZmFile.h"
+
+namespace {
+
+struct ZmDebugTest : testing::Test {  // logs below a directory of its own
+  ~ZmDebugTest() override {
+    zm_debug_filename("", 0);
+    std::filesystem::remove_all(directory);
+  }
+  ZmString in(const char* name) const { return (directory + "/" + name).c_str(); }
+
+  std::string directory = testing::TempDir() + "zmdebug-XXXXXX";
+  const char* made = ::mkdtemp(directory.data());
+};
+
+void log(const char* text) {
+  zm_debug_obj() << text;
+  zm_debug_obj().unlock();
+}
+
+std::string printed(int mode) {
+  testing::internal::CaptureStdout();
+  zm_debug_obj().mode(mode);
+  zm_debug_obj() << "text " << ZmString("s") << -1 << 4000000000u << -5000000000LL << 1.5F << 'c';
+  return testing::internal::GetCapturedStdout();
+}
+
+std::string mark() {
+  const std::time_t now = std::time(nullptr);
+  const std::string form = "[%b %-d, %Y %-H:%M:%S] ";
+  char time[64], host[1024] = {};
+  std::strftime(time, sizeof time, form.c_str(), std::localtime(&now));
+  ::gethostname(host, sizeof host - 1);
+  return std::string(time) + host + "[" + std::to_string(::getpid()) + "]: ";
+}
+
+}  // namespace
+
+TEST_F(ZmDebugTest, WritesToStandardOutputWithoutAFile) {
+  EXPECT_EQ(zm_debug_verb(), -4097);  // all bits but one
+  const std::string text = "text s-14000000000-50000000001.5c";
+  EXPECT_EQ(printed(0), text);
+  EXPECT_EQ(printed(1), text);
+  zm_debug_obj().filename(in("log"));
+  EXPECT_EQ(printed(2), text);
+}
+
+TEST_F(ZmDebugTest, KeepsItsFileUntilUnlock) {
+  ZmFile::save(in("a"), "old ");
+  zm_debug_filename(in("a"), 0);
+  zm_debug_obj() << "one ";
+  zm_debug_filename(in("b/log"), 0);
+  log("two");
+  EXPECT_STREQ(ZmFile::load(in("a")).value(), "old one two");
+  zm_debug_obj() << "lost";  // and not on standard output
+  std::filesystem::create_directory(in("b").value());
+  log("lost");
+  log("kept");
+  EXPECT_STREQ(ZmFile::load(in("b/log")).value(), "kept");
+}
+
+TEST_F(ZmDebugTest, NamesWeeklyFiles) {
+  const std::time_t now = std::time(nullptr);
+  zm_debug_filename(in("log"), 1);
+  log("text");
+  EXPECT_STREQ(ZmFile::load(in("log.") + std::localtime(&now)->tm_yday / 7).value(), "text");
+  for (const char* name : {"w.7", "w.0", "w.52", "w.53", "w.01"}) ZmFile::touch(in(name));
+  ZmStringList found;
+  zm_debug_logfiles(in("w"), found);
+  EXPECT_EQ(found.join(" "), in("w.0") + " " + in("w.7") + " " + in("w.52"));
+}
+
+TEST_F(ZmDebugTest, MarksMessages) {
+  const auto now = std::time(nullptr);
+  const int west = static_cast<int>((now - 14703) % 86400);  // where it is 4:05:03
+  const ZmString zone = ZmString("X") + west / 3600 + ":" + west / 60 % 60 + ":" + west % 60;
+  ::setenv("TZ", zone.value(), 1);
+  ::tzset();
+  zm_debug_filename(in("log"), 0);
+  const std::string before = mark();
+  zm_debug_obj().mark();
+  log("");
+  const std::string text = ZmFile::load(in("log")).value();
+  EXPECT_TRUE(text == before || text == mark()) << text;
+  ::unsetenv("TZ");
+  ::tzset();
+}

@@ -1,0 +1,394 @@
+#include "ZmExpression.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "ZmExpressionList.h"
+#include "ZmText.h"
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+Strings strings(const ZmStringList& list) {
+  Strings all;
+  for (int i = 0; i < list.length(); ++i) all.emplace_back(view(*list.get(i)));
+  return all;
+}
+
+struct Cut {
+  const char* source;
+  Strings pieces;
+};
+
+void check(void (*cut)(const ZmString&, ZmStringList&), const std::vector<Cut>& rows) {
+  for (const auto& [source, pieces] : rows) {
+    ZmStringList list;
+    list.push(new ZmString("kept"));  // outputs are never cleared
+    cut(source, list);
+    Strings expected = pieces;
+    expected.insert(expected.begin(), "kept");
+    EXPECT_EQ(strings(list), expected) << source;
+  }
+}
+
+// "(op a b)", a missing child as "_"; a node without name and operator as "()".
+std::string shown(const ZmExpression* node) {
+  if (!node) return "_";
+  if (node->name().length() > 0) return std::string(view(node->name()));
+  if (node->op().length() == 0) return "()";
+  return "(" + std::string(view(node->op())) + " " + shown(node->a()) + " " + shown(node->b()) +
+         ")";
+}
+
+std::string evaluated(ZmExpression& expression) {
+  ZmScalar result{ZmString("untouched")};
+  expression.eval(result);
+  return std::string(view(result.stringvalue()));
+}
+
+std::string repeated(const char* text, int n, const char* last) {
+  std::string all;
+  for (int i = 0; i < n; ++i) all += text;
+  return all + last;
+}
+
+constexpr int kInfix = 0, kPostfix = 1, kPrefix = 2;
+
+void check(int notation, const std::vector<std::string>& rows) {
+  const std::string arrow = " => ";
+  for (const auto& row : rows) {
+    const auto tree = row.find(arrow), value = row.find(arrow, tree + 1);
+    const bool valid = value != std::string::npos;
+    ZmExpression expression;
+    EXPECT_EQ(expression.parse(row.substr(0, tree).c_str(), notation), valid) << row;
+    std::string result = row.substr(0, tree) + arrow + shown(&expression);
+    EXPECT_EQ(valid ? result + arrow + evaluated(expression) : result, row);
+    EXPECT_EQ(valid ? result + arrow + evaluated(expression) : result, row) << "again";
+  }
+}
+
+// Knows x = 4, y = a text, e = nothing; every other name is its own value and no variable.
+class Table : public ZmReference {
+ public:
+  explicit Table(int& alive) : alive_(alive) { ++alive_; }
+  Table(const Table& other) : ZmReference(other), alive_(other.alive_) { ++alive_; }
+  ~Table() override { --alive_; }
+  void value(const ZmString& name, ZmString& out) override {
+    EXPECT_EQ(out.length(), 0);
+    if (name == "x") {
+      out = "4";
+    } else if (name == "y") {
+      out = "a, b";
+    } else if (!(name == "e")) {
+      ZmReference::value(name, out);
+    }
+  }
+  unsigned char valid(const ZmString& name) override { return !(name == "bad"); }
+  unsigned char variable(const ZmString& name) override {
+    return name == "x" || name == "y" || name == "e";
+  }
+
+ private:
+  int& alive_;
+};
+
+}  // namespace
+
+TEST(ZmExpressionTokens, Expression) {
+  check(ZmExpression::tokenize,
+        {{"", {}},
+         {" \t\r\n", {}},
+         {"\"\"", {""}},
+         {"a<=b", {"a", "<=", "b"}},
+         {"x => y", {"x", "=>", "y"}},
+         {"a=<b><c<<<d", {"a", "=<", "b", "><", "c", "<<", "<", "d"}},
+         {"!x!=!", {"!", "x", "!=", "!"}},
+         {"a&&b&c||d|e&|", {"a", "&&", "b", "&", "c", "||", "d", "|", "e", "&", "|"}},
+         {"-5 a-b", {"-", "5", "a", "-", "b"}},
+         {"a%b ^,.~{[", {"a%b", "^,.~{["}},
+         {"(a*b)/c+d?e:f", {"(", "a", "*", "b", ")", "/", "c", "+", "d", "?", "e", ":", "f"}},
+         {"=~x", {"=", "~x"}},
+         {"'it\\'s'b\"c d", {"it's", "b", "c d"}},
+         {"'a\\\\\\n' '\\", {"a\\n", "\\"}}});
+}
+
+TEST(ZmExpressionTokens, OtherLanguages) {
+  check(ZmExpression::callbacktokenize,
+        {{"f('x y')", {"f", "(", "x y", ")"}}, {"a+b,\"\"c", {"a+b,", "", "c"}}});
+  check(ZmExpression::valuetokenize, {{"{a {b}} , 'c'", {"a {b}", ",", "c"}},
+                                      {"a,b {'", {"a,b", "'"}},
+                                      {"a{b} ,c}(d)", {"a{b}", ",", "c}", "(", "d", ")"}},
+                                      {"{}{{", {"", "{"}}});
+  check(ZmExpression::rangetokenize,
+        {{"host[1-3] web", {"host", "[", "1-3", "]", "web"}}, {"'a b'", {"'a", "b'"}}});
+  check(ZmExpression::commandtokenize,
+        {{"echo $(FRAME_NUM)x", {"echo $", "(", "FRAME_NUM", ")", "x"}},
+         {"Abc", {"A", "bc"}},
+         {"'a\\'B' c'D'", {"'a\\'B'", " c'", "D", "'"}},
+         {"_a_B\"(", {"_", "a_", "B", "\"("}}});
+}
+
+TEST(ZmExpressionTokens, Splitters) {
+  check(ZmExpression::split, {{"x, {a,b}, 'c,d'", {"x", "{a,b}", "'c,d'"}},
+                              {"  a  ,  ", {"a"}},
+                              {" \t", {}},
+                              {",x", {"", "x"}},
+                              {"a, ,b,", {"a", "", "b"}},
+                              {"a'\\',' {b{,}},c", {"a'\\',' {b{,}}", "c"}},
+                              {"a,{b,'c", {"a", "{b,'c"}},
+                              {"a}'b,c ", {"a}'b,c"}}});
+  check(ZmExpression::splitcomma, {{"a, b[1,2] ,c", {"a", "b[1,2]", "c"}},
+                                   {"x[1][2,3]", {"x[1][2", "3]"}},
+                                   {"a b[ 1 ] [2,3],,", {"ab[ 1 ][2,3]", ""}},
+                                   {"x[1],[2", {"x[1]", "[2"}}});
+  check(ZmExpression::splitslash, {{"a//b/", {"a", "", "b"}}, {"", {}}, {"/ ", {"", " "}}});
+  check(ZmExpression::splittab, {{"a b\t\t", {"a b", ""}}});
+  check(ZmExpression::splitspace, {{" a \r\n\tb ", {"a", "b"}}, {" ", {}}});
+  ZmStringHash hash;
+  ZmExpression::split("a,b , a", hash);
+  ZmStringList keys;
+  hash.copykeys(keys);
+  keys.sort();
+  EXPECT_EQ(strings(keys), (Strings{"a", "b"}));
+  EXPECT_EQ(*hash.get("b"), ZmString("b"));
+}
+
+TEST(ZmExpressionTokens, PairSplitters) {
+  using Split = unsigned char (*)(const ZmString&, ZmString&, ZmString&);
+  const Split period = [](const ZmString& source, ZmString& left, ZmString& right) {
+    ZmExpression::splitperiod(source, left, right);
+    return static_cast<unsigned char>(1);
+  };
+  const Split equal = ZmExpression::splitequal, becomes = ZmExpression::splitbecomes;
+  const struct {
+    Split split;
+    const char* source;
+    int found;
+    const char* left;
+    const char* right;
+  } rows[] = {{period, "a.b.c", 1, "a", "b.c"},
+              {period, " a ", 1, " a ", ""},
+              {equal, "my name = v ", 1, "myname", "v "},
+              {equal, "abc", 0, "abc", ""},
+              {equal, "=", 1, "", ""},
+              {equal, "a==b", 1, "a", "=b"},
+              {becomes, "a:", 1, "a", ""},
+              {becomes, "a=b:c", 0, "a", ""},
+              {becomes, "a := b", 1, "a", "= b"},
+              {becomes, "abc", 0, "ab", ""},
+              {becomes, "a b: : c ", 1, "ab", ": c "},
+              {becomes, "", 0, "", ""},
+              {becomes, "a=", 0, "a", ""}};
+  for (const auto& [split, source, found, left, right] : rows) {
+    ZmString l("L"), r("R");
+    EXPECT_EQ(split(source, l, r), found) << source;
+    EXPECT_EQ(l, "L" + ZmString(left)) << source;
+    EXPECT_EQ(r, "R" + ZmString(right)) << source;
+  }
+}
+
+// "text => tree => value"; without a value parsing fails. Operators of equal strength group to the
+// right; nothing counts as the integer 0 where an operand must be; postfix takes the operand
+// written last as a; the prefix and postfix parsers' unary nodes have no b and come to nothing.
+TEST(ZmExpression, ParsesAndEvaluates) {
+  check(kInfix, {"1 + 2 * 3 => (+ 1 (* 2 3)) => 7",
+                 "(1 + 2) * 3 => (* (+ 1 2) 3) => 9",
+                 "2 * 3 + 4 => (+ (* 2 3) 4) => 10",
+                 "10 - 4 - 3 => (- 10 (- 4 3)) => 9",
+                 "-3 + 5 => (+ (-- _ 3) 5) => 2",
+                 "2 - -3 => (- 2 (-- _ 3)) => 5",
+                 "not not 0 => (not _ (not _ 0)) => 0",
+                 "1 == 1 && 2 < 3 => (&& (== 1 1) (< 2 3)) => 1",
+                 "1 | 2 == 3 => (== (| 1 2) 3) => 1",
+                 "1 << 1 or 0 => (<< 1 (or 1 0)) => 2",
+                 "1 + 2 ; 3 => (+ 1 (; 2 3)) => 1",
+                 "; 5 => ;",
+                 "* + 2 => (+ * 2) => 0",
+                 "min => min => min",
+                 "3 max 4 => (max 3 4) => 4",
+                 "1 ? 2 => 1",
+                 "a b => a",
+                 " => ()",
+                 ") a => a => a",
+                 "(1 + 2 => (( _ (+ 1 2)) => untouched",
+                 "() => ()",
+                 "1 + => (+ _ 1) => untouched",
+                 "1 + (2 *) => (+ _ (* 1 2)) => untouched",
+                 "not '' => (not _ ()) => 1",
+                 "- => (-- _ _) => untouched",
+                 "- abc => (-- _ abc) => untouched",
+                 "-abc == x => (== (-- _ abc) x) => 0",
+                 "abc == 'abc' => (== abc abc) => 1",
+                 "b in 'a,b' => (in b a,b) => 1",
+                 "7 / 2.0 => (/ 7 2.0) => 3.500000"});
+  check(kPostfix, {"7 2 - => (- 2 7) => -5", "1 not => (not 1 _) => untouched", "1 + => (+ 1 _)",
+                   "1 2 3 + => 1"});
+  check(kPrefix, {"- 7 2 => (- 7 2) => 5", "+ 1 * 2 3 => (+ 1 (* 2 3)) => 7",
+                  "not 1 => (not 1 _) => untouched", "+ 1 => (+ 1 _)", "( 1 ) => )"});
+}
+
+TEST(ZmExpression, OtherParsersAndTokens) {
+  ZmExpression call, list;
+  EXPECT_EQ(call.callbackparse("(a-b * 'c d')"), 1);
+  EXPECT_EQ(shown(&call), "(* a-b c d)");
+  EXPECT_EQ(list.valueparse("{a {b}} has b"), 1);
+  EXPECT_EQ(shown(&list), "(has a {b} b)");
+  list.copy(ZmExpression());
+  ZmStringList tokens;
+  for (const char* token : {"-", "1", "-", "--"}) tokens.push(new ZmString(token));
+  EXPECT_EQ(list._parse(tokens, kInfix), 1);
+  EXPECT_EQ(strings(tokens), (Strings{"--", "1", "-", "--"}));  // a unary minus is rewritten
+  EXPECT_EQ(shown(&list), "(- (-- _ 1) --)");                   // "--" is no operator itself
+}
+
+TEST(ZmExpression, Precedence) {
+  const char* const rows[] = {"1024 , ;",
+                              "256 ( )",
+                              "128 -- ! not",
+                              "64 / * div mul % mod",
+                              "32 + - add sub",
+                              "16 & | ^ xor",
+                              "4 && and || or",
+                              "2 << >> rs ls",
+                              "1 min max : ? word NOT",
+                              "8 = == eq <> =~ != ne < lt > gt <= le >= ge in has"};
+  for (const char* row : rows) {
+    ZmStringList words;
+    ZmExpression::splitspace(row, words);
+    for (int i = 1; i < words.length(); ++i)
+      EXPECT_EQ(ZmExpression::precedence(*words.get(i)), words.get(0)->integervalue()) << row;
+  }
+}
+
+TEST(ZmExpression, ReferenceIsSharedAndCounted) {
+  int alive = 0;
+  {
+    auto* table = new Table(alive);
+    ZmExpression early, late;
+    early.reference(table);
+    ASSERT_EQ(early.parse("x * 2 + bad", kInfix), 1);
+    EXPECT_EQ(table->count(), 5);
+    EXPECT_EQ(early.isvalid(), 0);
+    ASSERT_EQ(late.parse("e == e and y has b", kInfix), 1);
+    late.reference(table);
+    EXPECT_EQ(table->count(), 12);
+    EXPECT_EQ(late.isvalid(), 1);
+    EXPECT_EQ(evaluated(late), "1");
+    ZmStringList names;
+    late.variables(names);
+    EXPECT_EQ(strings(names), (Strings{"y", "e", "e"}));  // right operand first
+    ZmExpression failed(early);
+    EXPECT_EQ(table->count(), 17);
+    ZmExpression* a = failed.a();
+    ZmExpression* b = failed.b();
+    EXPECT_EQ(failed.parse("x (1 + 2) y", kInfix), 0);
+    delete a;
+    delete b;
+    EXPECT_EQ(table->count(), 13);  // what a failed parse leaves over is freed
+    EXPECT_EQ(Table(*table).count(), 0);
+    EXPECT_EQ(alive, 1);
+  }
+  EXPECT_EQ(alive, 0);
+}
+
+TEST(ZmExpression, CallbacksGiveValues) {
+  ZmExpression expression;
+  expression.parse("a + 2", kInfix);
+  EXPECT_EQ(expression.isvalid(), 1);
+  EXPECT_EQ(evaluated(expression), "0");  // without a source a name is its own value
+  expression.valuereq([](const ZmString& name, ZmString& out) {
+    if (!(name == "none")) out = name == "a" ? ZmString("40") : name;
+  });
+  expression.validreq([](const ZmString& name) -> unsigned char { return !(name == "2"); });
+  EXPECT_EQ(evaluated(expression), "42");
+  EXPECT_EQ(expression.isvalid(), 0);
+  expression.b()->value("8");  // a value of its own comes before every source
+  EXPECT_EQ(expression.isvalid(), 1);
+  EXPECT_EQ(evaluated(expression), "48");
+  expression.b()->value("");
+  expression.b()->name("none");
+  EXPECT_EQ(evaluated(expression), "0");  // 40 + an empty text
+}
+
+// A tree of constants remembers its value; every way to change a node has to end that.
+TEST(ZmExpression, ChangesShowInTheNextEvaluation) {
+  ZmExpression expression;
+  expression.parse("1 + (2 + 3)", kInfix);
+  EXPECT_EQ(evaluated(expression), "6");
+  expression.b()->b()->name("10");
+  EXPECT_EQ(evaluated(expression), "13");
+  expression.b()->op("*");
+  EXPECT_EQ(evaluated(expression), "21");
+  expression.b()->a()->value("1.5");
+  EXPECT_EQ(evaluated(expression), "16.000000");
+  delete expression.b()->a();
+  expression.b()->a(nullptr);
+  EXPECT_EQ(evaluated(expression), "1");  // a binary node without a gives nothing
+  expression.b()->copy(ZmExpression());
+  expression.b()->parse("4", kInfix);
+  EXPECT_EQ(evaluated(expression), "5");
+  expression.a()->valuereq([](const ZmString&, ZmString& out) { out = "7"; });
+  EXPECT_EQ(evaluated(expression), "11");
+  expression.copy(*expression.b());  // a part of the tree itself
+  EXPECT_EQ(evaluated(expression), "4");
+}
+
+TEST(ZmExpression, DisplaysANodeALine) {
+  ZmExpression expression;
+  expression.parse("1 + 2 * -x", kInfix);
+  testing::internal::CaptureStdout();
+  expression.display(1);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), " +\n   1\n   *\n     2\n     --\n       x\n");
+}
+
+TEST(ZmExpression, ListsCopyTrees) {
+  ZmExpressionList list;
+  list.push(new ZmExpression);
+  list.get(0)->parse("1 + 2", kInfix);
+  const ZmExpressionList copy(list);
+  list.get(0)->a()->name("5");
+  EXPECT_EQ(shown(copy.get(0)), "(+ 1 2)");
+  EXPECT_EQ(list.type(), 66);
+}
+
+// Depth follows the input; the stack must not.
+TEST(ZmExpression, DepthNeedsNoStack) {
+  constexpr int n = 300'000;
+  const struct {
+    std::string text;
+    int notation;
+    const char* value;
+  } rows[] = {{repeated("1+", n - 1, "1"), kInfix, "300000"},
+              {repeated("- ", n, "x"), kInfix, nullptr},
+              {repeated("(", n, "5") + repeated(")", n, ""), kInfix, "5"},
+              {repeated("(", n, "5"), kInfix, "untouched"},
+              {repeated("+ 1 ", n - 1, "1"), kPrefix, "300000"},
+              {"1" + repeated(" 1 +", n - 1, ""), kPostfix, "300000"},
+              {"((1 - 1) + " + repeated("2 * 1 + ", n / 2, "0)"), kInfix, "300000"}};
+  for (const auto& [text, notation, value] : rows) {
+    int alive = 0;
+    {
+      ZmExpression expression;
+      ASSERT_EQ(expression.parse(ZmString(text.data(), static_cast<int>(text.size())), notation),
+                1);
+      if (value) {
+        EXPECT_EQ(evaluated(expression), value);
+      }
+      expression.validreq(nullptr);
+      expression.valuereq(nullptr);
+      expression.reference(new Table(alive));
+      EXPECT_EQ(expression.isvalid(), 1);
+      ZmStringList names;
+      expression.variables(names);
+      EXPECT_EQ(names.length(), value ? 0 : 1);
+      if (value) {
+        EXPECT_EQ(evaluated(expression), value);
+      }
+      const ZmExpression copy(expression);
+    }
+    EXPECT_EQ(alive, 0);
+  }
+}

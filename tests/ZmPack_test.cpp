@@ -1,0 +1,231 @@
+#include "ZmPack.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ZmStringHash.h"
+#include "ZmStringList.h"
+#include "ZmText.h"
+
+namespace {
+
+static_assert(sizeof(ZmPack) <= sizeof(void*) * 3 + sizeof(int) * 6);
+
+// One member of each kind, and one more of its own class at any depth.
+struct Sample : ZmPack {
+  int type() const override { return 1000; }
+  void encode() override {
+    store(1, number);
+    store(2, letter);
+    store(3, text);
+    store(4, list);
+    store(5, real);
+    store(6, byte);
+    store(7, large);
+    store(-1, end.value());
+  }
+  void decode() override {
+    restore(1, number);
+    restore(2, letter);
+    restore(3, text);
+    restore(4, list);
+    restore(5, real);
+    restore(6, byte);
+    restore(7, large);
+    restore(-1, end);
+    if (_tag() == 8) restore(8, *(inner = std::make_unique<Sample>()));
+  }
+  void encodeXML() override {}
+  void decodeXML() override {}
+
+  int number = 0;
+  char letter = 0;
+  ZmString text;
+  ZmStringList list;
+  float real = 0;
+  unsigned char byte = 0;
+  long long large = 0;
+  ZmString end;
+  std::unique_ptr<Sample> inner;
+};
+
+// The bytes that hexadecimal digits, with blanks between them, stand for.
+std::string bytes(std::string digits) {
+  std::erase(digits, ' ');
+  std::string out;
+  for (std::size_t i = 0; i < digits.size(); i += 2)
+    out += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
+  return out;
+}
+
+std::string record(ZmPack& object) {
+  object.pack();
+  return {object.packContents(), static_cast<std::size_t>(object.packSize())};
+}
+
+int unpack(ZmPack& object, const std::string& data) {
+  const std::vector<char> exact(data.begin(), data.end());  // so that reading past it is seen
+  return object.unpack(exact.data(), static_cast<int>(exact.size()));
+}
+
+const char kVersion[] = "00000001";
+const char kSample[] =
+    "00000001 0001 0001 fffffffe 0002 0002 ff 0003 0003 00000003 610062"
+    "0004 0004 00000037 0000001b 0001 0001 00000002 000a 0003 00000001 78 000a 0003 00000002 797a"
+    "0005 0005 3fc00000 0006 0006 80 0007 0007 8000000000000001 ffff 0003 00000003 656e64";
+
+// The first members of what kSample holds.
+void fill(Sample& sample, int members = 8) {
+  if (members > 0) sample.number = -2;
+  if (members > 1) sample.letter = '\xff';
+  if (members > 2) sample.text.copy("a\0b", 3);
+  if (members > 3) sample.list.push(new ZmString("x"));
+  if (members > 3) sample.list.push(new ZmString("yz"));
+  if (members > 4) sample.real = 1.5F;
+  if (members > 5) sample.byte = 0x80;
+  if (members > 6) sample.large = LLONG_MIN + 1;
+  if (members > 7) sample.end = "end";
+}
+
+}  // namespace
+
+TEST(ZmPack, WritesAndReadsEveryType) {
+  Sample sample;
+  fill(sample);
+  EXPECT_EQ(record(sample), bytes(kSample));
+  EXPECT_EQ(sample.list.packSize(), 0);
+  Sample read;
+  EXPECT_EQ(unpack(read, record(sample)), 0);
+  EXPECT_EQ(record(read), bytes(kSample));
+  sample.pack();
+  sample.list.clear();
+  EXPECT_EQ(sample.unpack(sample.packContents(), sample.packSize()), 0);  // its own buffer
+  EXPECT_EQ(record(sample), bytes(kSample));
+}
+
+TEST(ZmPack, EveryTruncationReadsWhatIsWhole) {
+  const std::string whole = bytes(kSample);
+  const std::size_t ends[] = {12, 17, 28, 67, 75, 80, 92, 103};
+  for (std::size_t size = 0; size <= whole.size(); ++size) {
+    Sample sample;
+    EXPECT_EQ(unpack(sample, whole.substr(0, size)), size < 4 ? 1 : size == 4 ? 2 : 0);
+    Sample expected;
+    fill(expected,
+         static_cast<int>(std::ranges::count_if(ends, [=](auto end) { return end <= size; })));
+    EXPECT_EQ(record(sample), record(expected)) << size;
+  }
+}
+
+TEST(ZmPack, ReadsWhatItKnowsAndSkipsTheRest) {
+  const struct {
+    const char* fields;
+    int number;  // field 1; 0: lost
+  } rows[] = {{"0001 0001 00000005", 5},
+              {"0001 0001 00000004 0001 0001 00000005", 5},  // the last one counts
+              {"0009 0001 00000001 0001 0001 00000005", 5},
+              {"0001 0002 01 0001 0001 00000005", 5},  // of another type
+              {"0009 0002 01 0001 0001 00000005", 5},
+              {"0009 0003 00000001 01 0001 0001 00000005", 5},
+              {"0009 0003 7fffffff 01 0001 0001 00000005", 0},
+              {"0009 0003 ffffffff 0001 0001 00000005", 0},
+              {"0009 0004 00000001 00000000 0001 0001 00000005", 5},
+              {"0009 0004 00000001 ffffffff 0001 0001 00000005", 0},
+              {"0004 0004 00000038 00000000 0001 0001 00000005", 0},  // no such list
+              {"0009 0005 00000001 0001 0001 00000005", 5},
+              {"0009 0006 01 0001 0001 00000005", 5},
+              {"0009 0007 0000000000000001 0001 0001 00000005", 0},  // as documented
+              {"0009 0008 0001 0001 00000005", 0},
+              {"0007 0007 0000000000000001 0001 0001 00000005", 5},
+              {"0001 0001 00000005 000000", 5}};
+  for (const auto& [fields, number] : rows) {
+    Sample sample;
+    EXPECT_EQ(unpack(sample, bytes(kVersion + std::string(fields))), 0) << fields;
+    EXPECT_EQ(sample.number, number) << fields;
+  }
+  Sample sample;
+  EXPECT_EQ(unpack(sample, bytes("00000002 0001 0001 00000005")), 3);
+  EXPECT_EQ(sample.unpack(nullptr, 8), 1);
+}
+
+TEST(ZmPack, ContainersReadNoMoreThanIsThere) {
+  const struct {
+    const char* fields;
+    const char* list;
+    const char* hash;  // keys and values
+  } rows[] = {{"0001 0001 00000000", "", ""},
+              {"0001 0001 7fffffff 000a 0003 00000001 61", "a", ""},
+              {"0001 0001 ffffffff 000a 0003 00000001 61", "", ""},
+              {"0001 0001 00000001 000a 0003 00000001 61 000a 0003 00000001 62", "a", ""},
+              {"0001 0001 00000002 000a 0003 00000001 61 001e 0003 00000001 62", "a", "a=b"},
+              {"0001 0001 00000002 000a 0003 00000001 61 001e 0003 00000002 62", "a", ""},
+              {"000a 0003 00000001 61 001e 0003 00000001 62", "", ""}};
+  for (const auto& [fields, list, hash] : rows) {
+    const std::string data = bytes(kVersion + std::string(fields));
+    ZmStringList texts;
+    EXPECT_EQ(unpack(texts, data), 0);
+    EXPECT_STREQ(texts.join("+").value(), list) << fields;
+    ZmStringHash pairs;
+    EXPECT_EQ(unpack(pairs, data), 0);
+    ZmStringList keys;
+    pairs.copykeys(keys);
+    for (int i = 0; i < keys.length(); ++i) *keys.get(i) += "=" + *pairs.get(*keys.get(i));
+    EXPECT_STREQ(keys.join("+").value(), hash) << fields;
+  }
+  ZmStringHash hash;
+  hash.set(new ZmString("1"), "ab");  // slot 1
+  hash.set(nullptr, "");              // slot 0
+  EXPECT_EQ(record(hash), bytes("00000001 0001 0001 00000002 000a 0003 00000000 001e 0003 00000000"
+                                "000a 0003 00000002 6162 001e 0003 00000001 31"));
+}
+
+TEST(ZmPack, HostileNestingEnds) {
+  constexpr int kLevels = 1000000;
+  std::string data = bytes(kVersion);
+  for (int left = kLevels; left-- > 0;) {
+    data += bytes("0008 0004 000003e8");
+    for (int shift = 24; shift >= 0; shift -= 8) data += static_cast<char>(left * 12 >> shift);
+  }
+  Sample sample;
+  EXPECT_EQ(unpack(sample, data), 0);
+  int levels = 0;
+  for (const Sample* at = &sample; at; at = at->inner.get()) ++levels;
+  EXPECT_EQ(levels, 1002);  // the outermost, the 1000 that are read, and the one that is not
+}
+
+TEST(ZmPack, CopiesHaveTheirOwnBuffer) {
+  ZmStringList list;
+  list.pack();
+  ZmStringList copy(list);
+  EXPECT_EQ(copy.packContents(), nullptr);
+  copy.pack();
+  copy = list;
+  EXPECT_EQ(copy.packSize(), 0);
+  EXPECT_EQ(list.packSize(), 12);
+}
+
+TEST(ZmPack, ArchivesAndRecovers) {
+  const ZmString path = ZmString(testing::TempDir().c_str()) + "ZmPack_test.pack";
+  Sample sample;
+  fill(sample);
+  const int size = static_cast<int>(bytes(kSample).size());
+  EXPECT_EQ(sample.archive(path), size);
+  EXPECT_EQ(sample.packSize(), 0);
+  Sample read;
+  EXPECT_EQ(read.recover(path), size);
+  EXPECT_EQ(read.number, -2);
+  std::FILE* const broken = std::fopen(path.value(), "wb");
+  std::fputs("other", broken);
+  std::fclose(broken);
+  EXPECT_EQ(read.recover(path), 0);
+  std::remove(path.value());
+  EXPECT_EQ(read.recover(path), 0);
+  EXPECT_EQ(read.recover("/"), 0);
+  EXPECT_EQ(read.archive("/"), 0);
+  EXPECT_EQ(read.archive("/dev/full"), 0);
+}

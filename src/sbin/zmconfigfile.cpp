@@ -55,7 +55,7 @@ int run(int argc, char** argv) {
   param.setHelp(display_help);
   param.parse(argc, argv);
   for (int i = 0; i < param.length(); ++i) {
-    const ZmString path = param.arg(i);
+    const ZmString& path = param.arg(i);
     if (ZmFile::exists(path)) {
       print(path);
     } else {

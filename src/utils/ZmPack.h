@@ -181,10 +181,9 @@ class ZmPack : public ZmBase {
   void _yank();                        ///< Skips the current field unless it was taken.
   int _tag() const { return tag_; }    ///< Tag of the current field.
   int _code() const { return code_; }  ///< Type code of the current field.
-  bool _consumed() const {
-    return consumed_;
-  }  ///< Whether the current field was taken.
-     /// @}
+  /// Whether the current field was taken.
+  bool _consumed() const { return consumed_; }
+  /// @}
 
  private:
   void _clear() noexcept;

@@ -1,6 +1,6 @@
-// Binary packs: any record unpacks without harm into every class, and what was unpacked packs into a
-// record that holds the same. Entries of hashes may change places, so contents are compared as XML,
-// which has them sorted.
+// Binary packs: any record unpacks without harm into every class, and what was unpacked packs into
+// a record that holds the same. Entries of hashes may change places, so contents are compared as
+// XML, which has them sorted.
 #include <cstdint>
 #include <string>
 

@@ -1,5 +1,5 @@
-// XML packs: any text reads without harm into every class. One that is refused changes nothing; what
-// was read is written, and read back, as it is. And any bytes come back as key, text and name.
+// XML packs: any text reads without harm into every class. One that is refused changes nothing;
+// what was read is written, and read back, as it is. And any bytes come back as key, text and name.
 #include <cstdint>
 #include <string_view>
 

@@ -69,8 +69,10 @@ class ZmBaseHash {
     return table_.set(value, key, hash, _destroy);
   }                                                     ///< As set().
   const ZmSlotTable& _table() const { return table_; }  ///< For walking over the pairs.
-  ZmSlotTable& _table() { return table_; }              ///< For storing without a second search.
-                                                        /// @}
+  ZmSlotTable& _table() {
+    return table_;
+  }  ///< For storing without a second search.
+     /// @}
 
  private:
   static void _destroy(void* value) { delete static_cast<T*>(value); }

@@ -76,8 +76,7 @@ int ZmConfig::_place(std::string_view label, unsigned int hash, Make make, Assig
   if (!table.fill(spot, value, key, hash)) options_._set(value, key, hash);
   if (listed) labels_.push(listed);
   // A growth of the table may drop one of two labels that differ behind a zero byte only.
-  if (listed && values_.length() + 1 == labels_.length() &&
-      table.entries() == labels_.length()) {
+  if (listed && values_.length() + 1 == labels_.length() && table.entries() == labels_.length()) {
     values_.push(value);
   } else {
     values_.release();

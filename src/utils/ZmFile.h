@@ -15,7 +15,7 @@
 /// "name", "source", "data".
 class ZmFile : public ZmPack {
  public:
-  ZmFile() = default;                                    ///< Everything empty.
+  ZmFile() = default;                           ///< Everything empty.
   ZmFile(const ZmString& path) { read(path); }  ///< read(path).
 
   int type() const override { return 105; }             ///< The type code.

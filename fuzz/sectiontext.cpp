@@ -60,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (all_writable) require(again.convert() == text && again.matchsubset(config));
 
   // A template that was filled mentions every option: nothing is left to be put behind it.
-  constexpr std::string_view block = "# these are not included in the template\n";
+  constexpr std::string_view block = "# these are not included in the template";
   const ZmString filled = config.usetemplate(zm_string(model));
   const ZmString refilled = config.usetemplate(filled);
   if (all_mentionable && model.find(block) == model.npos && view(text).find(block) == input.npos)

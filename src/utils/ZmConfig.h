@@ -40,6 +40,7 @@ class ZmConfig : public ZmPack {
 
   /// @name Options
   /// @{
+
   /// The value, lent until the label is next set or removed; an empty text when it is absent.
   const ZmString& option(const ZmString& label) const;
   /// Sets the value. A new label goes to the end of the label order; a known one keeps its place.
@@ -72,6 +73,7 @@ class ZmConfig : public ZmPack {
   /// several lines) is taken whole; any other ends at white space, "#" or a byte above 127, and
   /// the rest of its line is ignored. Lines that don't fit are skipped.
   /// @{
+
   /// Reads the file's text; when it can't be opened only the valid flag changes, to 0.
   void load(const ZmString& path);
   unsigned char parse(const ZmString& text);                          ///< Reads the text. Always 1.

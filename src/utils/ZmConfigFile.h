@@ -57,6 +57,7 @@ class ZmConfigFile : public ZmBase {
 
   /// @name Values
   /// @{
+
   /// Appends the words of a value: runs of blanks, each of ". { } \ $" and CR, runs of anything
   /// else. Joined they give the value.
   void stringtokenize(const ZmString& text, ZmStringList& tokens) const;

@@ -1,11 +1,10 @@
 // The section text parser and templates of ZmConfig.
 #include <cstdio>
-#include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 
 #include "ZmConfig.h"
 #include "ZmCursor.h"
@@ -180,13 +179,13 @@ ZmString ZmConfig::loadtemplate(const ZmString& path) const {
 
 ZmString ZmConfig::usetemplate(const ZmString& text) const {
   ZmString result;
-  std::set<std::string, std::less<>> used;
+  std::unordered_set<const ZmString*> used;  // the values that have been written
   for (ZmCursor in(view(text)); !in.eof();) {
     const std::string_view line = templateline(in);
     const auto label = templatelabel(line);
-    const ZmString name = label ? zm_string(*label) : ZmString();
-    if (label && exists(name)) {
-      if (used.insert(*label).second) zm_append_option(result, name, option(name));
+    const ZmString* value = label ? _find(*label) : nullptr;
+    if (value) {
+      if (used.insert(value).second) zm_append_option(result, zm_string(*label), *value);
     } else if (line != kNotIncluded) {
       if (label && line[0] != '#') result.append('#');
       append(result, line);
@@ -194,10 +193,8 @@ ZmString ZmConfig::usetemplate(const ZmString& text) const {
     }
   }
   ZmString unused;
-  for (int i = 0; i < labels_.length(); ++i) {
-    const ZmString& name = *labels_.get(i);
-    if (!used.contains(view(name))) zm_append_option(unused, name, option(name));
-  }
+  for (int i = 0; i < labels_.length(); ++i)
+    if (!used.contains(&_optionat(i))) zm_append_option(unused, *labels_.get(i), _optionat(i));
   if (unused.length() > 0) {
     append(result, kNotIncluded);
     result.append('\n');

@@ -36,13 +36,14 @@ class ZmDebug {
   /// @name Writing
   /// With the formatting of standard streams. Null writes nothing.
   /// @{
-  ZmDebug& operator<<(const char* value);
-  ZmDebug& operator<<(const ZmString& value);
-  ZmDebug& operator<<(int value);
-  ZmDebug& operator<<(unsigned int value);
-  ZmDebug& operator<<(long long value);
-  ZmDebug& operator<<(float value);
-  ZmDebug& operator<<(char value);
+  ZmDebug& operator<<(const char* value);      ///< A text.
+  ZmDebug& operator<<(const ZmString& value);  ///< A text.
+  ZmDebug& operator<<(int value);              ///< A number.
+  ZmDebug& operator<<(unsigned int value);     ///< A number.
+  ZmDebug& operator<<(long long value);        ///< A number.
+  ZmDebug& operator<<(float value);            ///< A number.
+  ZmDebug& operator<<(char value);             ///< A character.
+
   /// @}
 
  private:

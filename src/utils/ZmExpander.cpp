@@ -4,6 +4,7 @@
 #include <climits>
 #include <iostream>
 #include <new>
+#include <utility>
 
 #include "ZmText.h"
 
@@ -27,32 +28,43 @@ std::string_view ZmExpander::expand(std::string_view scope, std::string_view sel
   scope_section_ = section(scope);
   root_ = option;
   const auto met = nodes_.find(option);
-  Node* node = met == nodes_.end() ? nullptr : &met->second;
-  if (node && usable(*node)) {
-    append(node->result);
-    cycle_ = node->cycle;
-    changeable_ = !node->lasting;
+  Frame top(nullptr, self, value, 0);
+  if (met == nodes_.end()) {
+    chain_.push_back(top);
   } else {
-    if (node) {
-      enter(*node, self, value);
+    Node& node = met->second.alias ? *met->second.alias : met->second;
+    if (usable(node)) {
+      recall(top, node);
+      cycle_ = top.cycle;
     } else {
-      chain_.emplace_back(nullptr, self, value, 0);
+      enter(node);
     }
-    while (!chain_.empty())
-      if (!step(chain_.back())) leave();
   }
+  while (!chain_.empty())
+    if (!step(chain_.back())) leave();
   if (cycle_) {
-    std::cerr << "WARNING: section " + cycle_->first + " option " + cycle_->second +
+    std::cerr << "WARNING: section " + std::string(cycle_->section) + " option " + cycle_->label +
                      " refers to itself... skipping.\n";
   }
   return out_;
 }
 
+// What rests on the option is forgotten. But a result without a reference in it expands to itself,
+// so that it still stands now that it is stored.
 void ZmExpander::replaced() {
   const auto met = nodes_.find(root_);
-  if (met == nodes_.end() || !(changeable_ || met->second.copied)) return;
-  ++epoch_;
-  open_.clear();
+  if (met == nodes_.end()) return;
+  if (!cycle_ && !hasreference(out_) && !met->second.copied) return;
+  std::vector<Node*> stale{&met->second};
+  while (!stale.empty()) {
+    Node& node = *stale.back();
+    stale.pop_back();
+    node.known = false;
+    node.alias = nullptr;
+    node.tangle = -1;
+    stale.insert(stale.end(), node.users.begin(), node.users.end());
+    node.users.clear();
+  }
 }
 
 // Copies and replaces up to the end, or to a reference that must be expanded first: true then.
@@ -60,7 +72,7 @@ bool ZmExpander::step(Frame& frame) {
   ZmCursor& in = frame.in;
   for (;;) {
     const std::string_view rest = in.rest();
-    append(in.take(std::min(rest.find('$'), rest.size())));
+    write(frame, in.take(std::min(rest.find('$'), rest.size())));
     in.take();
     const bool braced = in.accept('{');
     if (in.eof()) return false;  // a lone "$" or "${" vanishes
@@ -81,65 +93,90 @@ bool ZmExpander::qualified(Frame& frame, std::string_view name, bool braced) {
   const std::string_view label = zm_value_word(frame.in);
   if (braced) frame.in.accept('}');
   if (label == "_") {
-    append(name);
+    write(frame, name);
     return false;
   }
   const ZmString* value = label.empty() ? nullptr : config->_find(label);
-  return value && refer(frame, name, label, *value);
+  return value && refer(frame, *config, label, *value);
 }
 
 void ZmExpander::unqualified(Frame& frame, std::string_view word, bool braced) {
   frame.scope = scope_section_;
+  frame.mixed = true;
   if (!scope_section_) return;
   if (word == "_") {
     append(scope_);
   } else if (const ZmString* value = scope_section_->_find(word)) {
     append(view(*value));
-    if (hasreference(view(*value))) nodes_[value].copied = true;
+    if (hasreference(view(*value))) {
+      Node& copied = node(*scope_section_, word, *value);
+      copied.copied = true;
+      use(frame, copied);
+    }
   }
   // The word behind is always consumed, whatever it is, and a "}" behind that closes the braces.
   zm_value_word(frame.in);
   if (braced) frame.in.accept('}');
 }
 
-bool ZmExpander::refer(Frame& frame, std::string_view name, std::string_view label,
+bool ZmExpander::refer(Frame& frame, const ZmConfig& config, std::string_view label,
                        const ZmString& value) {
   if (!hasreference(view(value))) {
-    append(view(value));
+    write(frame, view(value));
     return false;
   }
-  Node& node = nodes_[&value];
-  if (&value == root_) node.depth = 0;
+  Node& named = node(config, label, value);
+  use(frame, named);
+  if (&value == root_) named.depth = 0;
+  Node& node = named.alias ? *named.alias : named;
+  frame.mixed |= frame.only != nullptr;
+  frame.only = &node;
   if (node.depth != kNone) {
-    cut(frame, name, label, node.depth);
+    cut(frame, node, node.depth);
   } else if (usable(node)) {
-    append(node.result);
-    if (node.scope) frame.scope = node.scope;
-    if (!frame.cycle) frame.cycle = node.cycle;
-  } else if (node.met == epoch_ && node.winding && ++detours_ > kDetours) {
-    cut(frame, name, label, chain_.size() - 1);
+    recall(frame, node);
+  } else if (node.knotted && (reread_ += node.value->length()) > kReread) {
+    cut(frame, node, chain_.size() - 1);
   } else {
-    enter(node, name, view(value));
+    enter(node);
     return true;
   }
   return false;
 }
 
-void ZmExpander::cut(Frame& frame, std::string_view name, std::string_view label,
-                     std::size_t depth) {
-  frame.back = std::min(frame.back, depth);
-  if (!frame.cycle) frame.cycle = &cycles_.emplace_back(name, label);
+ZmExpander::Node& ZmExpander::node(const ZmConfig& config, std::string_view label,
+                                   const ZmString& value) {
+  const auto [at, made] = nodes_.try_emplace(&value);
+  Node& node = at->second;
+  if (made) {
+    node.section = view(config.name());
+    node.label = label;
+    node.value = &value;
+  }
+  return node;
 }
 
-void ZmExpander::enter(Node& node, std::string_view name, std::string_view value) {
-  if (node.met != epoch_) {
-    node.met = epoch_;
-    node.tangle = -1;
-    node.winding = false;
-  }
+void ZmExpander::use(const Frame& frame, Node& node) {
+  if (frame.node && (node.users.empty() || node.users.back() != frame.node))
+    node.users.push_back(frame.node);
+}
+
+void ZmExpander::cut(Frame& frame, const Node& node, std::size_t depth) {
+  frame.back = std::min(frame.back, depth);
+  if (!frame.cycle) frame.cycle = &node;
+}
+
+void ZmExpander::recall(Frame& frame, const Node& node) {
+  append(node.result);
+  if (node.scope) frame.scope = node.scope;
+  if (!frame.cycle) frame.cycle = node.cycle;
+}
+
+void ZmExpander::enter(Node& node) {
   if (node.tangle >= 0) ++open_[static_cast<std::size_t>(node.tangle)];
   node.depth = chain_.size();
-  chain_.emplace_back(&node, name, value, out_.size()).tangled = tangled_.size();
+  chain_.emplace_back(&node, node.section, view(*node.value), out_.size()).tangled =
+      tangled_.size();
 }
 
 void ZmExpander::leave() {
@@ -148,7 +185,6 @@ void ZmExpander::leave() {
   settle(frame, chain_.size());
   if (chain_.empty()) {
     cycle_ = frame.cycle;
-    changeable_ = !lasting(frame);
     tangled_.clear();
     const auto root = nodes_.find(root_);
     if (root != nodes_.end()) root->second.depth = kNone;
@@ -168,8 +204,8 @@ void ZmExpander::settle(const Frame& frame, std::size_t depth) {
   if (!node) return;
   node->depth = kNone;
   if (node->tangle >= 0) --open_[static_cast<std::size_t>(node->tangle)];
+  if (frame.back != kNone) node->knotted = true;
   if (frame.back < depth) {
-    node->winding = true;
     tangled_.push_back(node);
     return;
   }
@@ -180,26 +216,23 @@ void ZmExpander::settle(const Frame& frame, std::size_t depth) {
       tangled_[i]->tangle = node->tangle;
     tangled_.resize(frame.tangled);
   }
+  if (!frame.cycle && !frame.mixed && frame.only) node->alias = frame.only;
   if (std::exchange(node->again, true)) {
     node->known = true;
-    node->lasting = lasting(frame);
-    node->epoch = epoch_;
     node->scope = frame.scope;
     node->cycle = frame.cycle;
     node->result.assign(out_, frame.start);
   }
 }
 
-// A result without a reference in it expands to itself, so it still stands once it is stored.
-bool ZmExpander::lasting(const Frame& frame) const {
-  return !frame.cycle && !hasreference(std::string_view(out_).substr(frame.start));
-}
-
 bool ZmExpander::usable(const Node& node) const {
   if (!node.known || (node.scope && node.scope != scope_section_)) return false;
-  if (node.lasting) return true;
-  if (node.epoch != epoch_) return false;
-  return node.tangle < 0 || node.met != epoch_ || open_[static_cast<std::size_t>(node.tangle)] == 0;
+  return node.tangle < 0 || open_[static_cast<std::size_t>(node.tangle)] == 0;
+}
+
+void ZmExpander::write(Frame& frame, std::string_view text) {
+  frame.mixed |= !text.empty();
+  append(text);
 }
 
 void ZmExpander::append(std::string_view text) {

@@ -7,11 +7,9 @@
 #define ZM_EXPANDER_H
 
 #include <cstddef>
-#include <deque>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "ZmConfigHash.h"
@@ -27,10 +25,12 @@ std::string_view zm_value_word(ZmCursor& in);
 // neither added nor removed.
 //
 // References that lead back to an option under expansion give nothing, and one warning for each
-// value expanded. The chain of options under expansion is kept here, not on the stack, and results
-// are remembered from an option's second expansion on, so the time follows the size of values and
-// results whatever the shape of the references. Only the ways through a tangle of cycles, which may
-// be more than can ever be walked, are bounded: after kDetours of them its references give nothing.
+// value expanded. The chain of options under expansion is kept here, not on the stack. Results are
+// remembered from an option's second expansion on, and what an option that is nothing but a
+// reference leads to is known at once, so the time follows the size of values and results whatever
+// the depth of the references. Only the ways through a tangle of cycles, which may be more than can
+// ever be walked, are bounded: after kReread bytes of values that were read again its references
+// give nothing.
 class ZmExpander {
  public:
   explicit ZmExpander(const ZmConfigHash& sections) : sections_(sections) {}
@@ -44,27 +44,25 @@ class ZmExpander {
   void replaced();
 
  private:
-  static constexpr int kDetours = 1'000'000;
+  static constexpr long long kReread = 100'000'000;
   static constexpr std::size_t kNone = ~std::size_t{0};
-
-  using Names = std::pair<std::string, std::string>;  // of a section and an option
 
   // An option that others refer to.
   struct Node {
-    std::size_t depth = kNone;  // its place in the chain while under expansion
-    unsigned met = 0;           // the epoch in which it was last expanded
-    int tangle = -1;            // the tangle of cycles that it belongs to, in that epoch
-    bool winding = false;       // in that epoch it was found inside a cycle
-    bool copied = false;        // an unqualified reference copied it unexpanded
-    bool again = false;         // it has been expanded before
-
-    // Its result is known and stands ...
-    bool known = false;
-    bool lasting = false;             // always, or
-    unsigned epoch = 0;               // while no option that results rest on is replaced,
-    const ZmConfig* scope = nullptr;  // and, unless null, in this scope only.
-    const Names* cycle = nullptr;     // what led back to itself under it
+    std::string_view section;  // lent by it
+    std::string label;
+    const ZmString* value = nullptr;
+    std::size_t depth = kNone;        // its place in the chain while under expansion
+    int tangle = -1;                  // the tangle of cycles that it belongs to
+    bool knotted = false;             // it was once found in a cycle
+    bool copied = false;              // an unqualified reference copied it unexpanded
+    bool again = false;               // it has been expanded before
+    bool known = false;               // the result stands ...
+    const ZmConfig* scope = nullptr;  // ... unless null, in this scope only
+    const Node* cycle = nullptr;      // what led back to itself under it
     std::string result;
+    Node* alias = nullptr;     // the option at whose expansion this one always ends up
+    std::vector<Node*> users;  // whose results or aliases rest on this option
   };
 
   // An option under expansion.
@@ -79,36 +77,38 @@ class ZmExpander {
     std::size_t tangled = 0;          // how many tangled_ there were before it
     std::size_t back = kNone;         // the first place in the chain that it led back to
     const ZmConfig* scope = nullptr;  // set when the result depends on the scope
-    const Names* cycle = nullptr;
+    const Node* cycle = nullptr;
+    Node* only = nullptr;  // the option that the result comes from, while ...
+    bool mixed = false;    // ... it comes from nothing else
   };
 
   bool step(Frame& frame);
   bool qualified(Frame& frame, std::string_view name, bool braced);
   void unqualified(Frame& frame, std::string_view word, bool braced);
-  bool refer(Frame& frame, std::string_view name, std::string_view label, const ZmString& value);
-  void enter(Node& node, std::string_view name, std::string_view value);
+  bool refer(Frame& frame, const ZmConfig& config, std::string_view label, const ZmString& value);
+  Node& node(const ZmConfig& config, std::string_view label, const ZmString& value);
+  void use(const Frame& frame, Node& node);
+  void enter(Node& node);
   void leave();
   void settle(const Frame& frame, std::size_t depth);
-  void cut(Frame& frame, std::string_view name, std::string_view label, std::size_t depth);
+  void cut(Frame& frame, const Node& node, std::size_t depth);
+  void recall(Frame& frame, const Node& node);
   bool usable(const Node& node) const;
+  void write(Frame& frame, std::string_view text);
   void append(std::string_view text);
   const ZmConfig* section(std::string_view name) const;
-  bool lasting(const Frame& frame) const;
 
   const ZmConfigHash& sections_;
   std::unordered_map<const ZmString*, Node> nodes_;
   std::vector<Frame> chain_;
   std::string out_;
-  std::deque<Names> cycles_;
   std::vector<Node*> tangled_;  // options of cycles whose first option is still under expansion
   std::vector<int> open_;       // for each tangle: how many of its options are under expansion
   std::string_view scope_;
   const ZmConfig* scope_section_ = nullptr;
   const ZmString* root_ = nullptr;
-  const Names* cycle_ = nullptr;  // of the last result
-  bool changeable_ = false;       // whether the last result would expand to something else again
-  unsigned epoch_ = 1;
-  int detours_ = 0;
+  const Node* cycle_ = nullptr;  // of the last result
+  long long reread_ = 0;
 };
 
 #endif

@@ -88,6 +88,7 @@ class ZmExpression : public ZmPack {
   /// know no parentheses and no unary minus, and miss a second operand; postfix takes the operand
   /// written last as a, so that "x y -" is y - x.
   /// @{
+
   /// Of tokens made by tokenize(). Notation 2 is prefix, 1 postfix, any other infix.
   unsigned char parse(const ZmString& text, int notation);
   unsigned char callbackparse(const ZmString& text);  ///< Infix, of callbacktokenize()'s tokens.
@@ -100,6 +101,7 @@ class ZmExpression : public ZmPack {
 
   /// @name Using the tree
   /// @{
+
   /// 1 when each leaf has a value, its reference or callback knows its name, or it has neither.
   unsigned char isvalid() const;
   /// Appends the names that the reference takes for variables, the right operand's first; names may
@@ -117,6 +119,7 @@ class ZmExpression : public ZmPack {
   /// LF. A quoted string ends at the next quote of its kind or with the text and comes without its
   /// quotes; in it a backslash makes the next character plain.
   /// @{
+
   /// The expression language: the one-character tokens ( ) * + - / : ? ! & | < = >, the pairs
   /// "!=", "&&", "||" and any two of "<=>", quoted strings, and words between them. A minus always
   /// stands alone, so "-5" is two tokens.
@@ -137,6 +140,7 @@ class ZmExpression : public ZmPack {
   /// Results are appended. Unless said otherwise every separator ends an element, which may be
   /// empty, the last element counts only when it is not empty, and nothing is trimmed.
   /// @{
+
   /// At commas outside quotes and braces, which stay in the elements; elements are trimmed.
   static void split(const ZmString& source, ZmStringList& elements);
   /// The same, each element stored under itself as key.
@@ -146,6 +150,7 @@ class ZmExpression : public ZmPack {
   static void splitcomma(const ZmString& source, ZmStringList& elements);
   static void splitslash(const ZmString& source, ZmStringList& elements);  ///< At "/".
   static void splittab(const ZmString& source, ZmStringList& elements);    ///< At TAB.
+  /// At the separator.
   static void splitchar(const ZmString& source, char separator, ZmStringList& elements);
   /// At runs of white space; no element is empty.
   static void splitspace(const ZmString& source, ZmStringList& elements);

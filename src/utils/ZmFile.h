@@ -27,6 +27,7 @@ class ZmFile : public ZmPack {
 
   /// @name One file
   /// @{
+
   /// Takes the contents of a regular file, its name and its path. When it is none or can't be
   /// opened, the object stays as it was: compare source() to tell.
   void read(const ZmString& path);
@@ -42,6 +43,7 @@ class ZmFile : public ZmPack {
 
   /// @name Contents
   /// @{
+
   /// The whole contents; empty when it is no regular file or can't be opened for reading.
   static ZmString load(const ZmString& path);
   /// loadpos(path, pos, -1, out).

@@ -53,7 +53,7 @@ class ZmPackObj;
 /// - A nested pack is an element with the elements of its members. The entries of lists and hashes
 ///   are "item" elements, those of a hash with their key, sorted by it.
 /// - A name that is not made of ASCII letters, digits, "_", "-" and "." stands in an attribute:
-///   <element name="...">. Keys and such names take key-encoding and name-encoding="base64".
+///   `<element name="...">`. Keys and such names take key-encoding and name-encoding="base64".
 /// - Of several elements of one name the last counts, as in a record. Unknown elements and
 ///   attributes are ignored, and so is text beside elements.
 ///
@@ -89,6 +89,7 @@ class ZmPack : public ZmBase {
 
   /// @name XML text
   /// @{
+
   /// Makes the object's XML text, UTF-8, in the buffer: packContents(), packSize().
   void packXML();
   /// Reads an XML text of `length` bytes: 0 done, 1 it is not well-formed, 2 the outermost element
@@ -103,25 +104,25 @@ class ZmPack : public ZmBase {
 
   /// @name Fields, for encode()
   /// @{
-  void store(int tag, int value);
-  void store(int tag, char value);
-  void store(int tag, unsigned char value);
-  void store(int tag, long long value);
-  void store(int tag, float value);
-  void store(int tag, const ZmString& value);
-  void store(int tag, const char* value);  ///< Up to the zero byte; null stores "".
-  void store(int tag, ZmPack& value);      ///< A nested pack; its own buffer is emptied.
+  void store(int tag, int value);              ///< Type code 1.
+  void store(int tag, char value);             ///< Type code 2.
+  void store(int tag, unsigned char value);    ///< Type code 6.
+  void store(int tag, long long value);        ///< Type code 7.
+  void store(int tag, float value);            ///< Type code 5.
+  void store(int tag, const ZmString& value);  ///< Type code 3.
+  void store(int tag, const char* value);      ///< The same up to the zero byte; null stores "".
+  void store(int tag, ZmPack& value);          ///< Type code 4, nested; its own buffer is emptied.
   /// @}
 
   /// @name Fields, for decode()
   /// Each takes the current field when tag and type match, and leaves the value alone otherwise.
   /// @{
-  void restore(int tag, int& value);
-  void restore(int tag, char& value);
-  void restore(int tag, unsigned char& value);
-  void restore(int tag, long long& value);
-  void restore(int tag, float& value);
-  void restore(int tag, ZmString& value);
+  void restore(int tag, int& value);            ///< Type code 1.
+  void restore(int tag, char& value);           ///< Type code 2.
+  void restore(int tag, unsigned char& value);  ///< Type code 6.
+  void restore(int tag, long long& value);      ///< Type code 7.
+  void restore(int tag, float& value);          ///< Type code 5.
+  void restore(int tag, ZmString& value);       ///< Type code 3.
   /// Takes a nested pack whose type code is value.type(); with any other, and more than 1000 levels
   /// deep, the record ends.
   void restore(int tag, ZmPack& value);
@@ -130,12 +131,12 @@ class ZmPack : public ZmBase {
 
   /// @name Members, for encodeXML()
   /// @{
-  void storeXML(const ZmString& name, int value);
-  void storeXML(const ZmString& name, char value);
-  void storeXML(const ZmString& name, unsigned char value);
-  void storeXML(const ZmString& name, long long value);
-  void storeXML(const ZmString& name, float value);
-  void storeXML(const ZmString& name, const ZmString& value);
+  void storeXML(const ZmString& name, int value);              ///< A number.
+  void storeXML(const ZmString& name, char value);             ///< A text of one byte.
+  void storeXML(const ZmString& name, unsigned char value);    ///< A number.
+  void storeXML(const ZmString& name, long long value);        ///< A number.
+  void storeXML(const ZmString& name, float value);            ///< A number.
+  void storeXML(const ZmString& name, const ZmString& value);  ///< A text.
   void storeXML(const ZmString& name, const char* value);  ///< Up to the zero byte; null stores "".
   void storeXML(const ZmString& name,
                 ZmPack& value);  ///< A nested pack; its own buffer is emptied.
@@ -146,20 +147,21 @@ class ZmPack : public ZmBase {
   /// no such value: a number out of range, of several words or followed by anything but blanks, an
   /// unreadable encoding, elements where a text should be.
   /// @{
-  void restoreXML(const ZmString& name, int& value);
-  void restoreXML(const ZmString& name, char& value);
-  void restoreXML(const ZmString& name, unsigned char& value);
-  void restoreXML(const ZmString& name, long long& value);
-  void restoreXML(const ZmString& name, float& value);
-  void restoreXML(const ZmString& name, ZmString& value);
-  void restoreXML(const ZmString& name, ZmPack& value);
+  void restoreXML(const ZmString& name, int& value);            ///< A number.
+  void restoreXML(const ZmString& name, char& value);           ///< A text of one byte.
+  void restoreXML(const ZmString& name, unsigned char& value);  ///< A number.
+  void restoreXML(const ZmString& name, long long& value);      ///< A number.
+  void restoreXML(const ZmString& name, float& value);          ///< A number.
+  void restoreXML(const ZmString& name, ZmString& value);       ///< A text.
+  void restoreXML(const ZmString& name, ZmPack& value);         ///< A nested pack.
+
   /// @}
 
  protected:
   /// @name Entries as XML, for containers
   /// @{
   void _storeItem(const ZmString* key, const ZmString& value);  ///< A null key: without one.
-  void _storeItem(const ZmString* key, ZmPack& value);
+  void _storeItem(const ZmString* key, ZmPack& value);          ///< The same.
   bool _hasXML(const ZmString& name) const;  ///< Whether the element being decoded holds that one.
   /// The first "item" at or behind position `at` of the element being decoded; `at` moves behind
   /// it. Null: no more. Lent; its key and text may be taken.

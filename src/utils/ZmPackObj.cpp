@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int kFew = 8;  // so many elements are searched one by one
+constexpr int kFew = 8;  // so few elements, or searches among many, go without an index
 
 }  // namespace
 
@@ -32,6 +32,7 @@ void ZmPackObj::_clear() {
 }
 
 void ZmPackObj::_forget() const {
+  searches_ = 0;
   if (!index_) return;
   index_->release();
   delete std::exchange(index_, nullptr);
@@ -64,7 +65,7 @@ int ZmPackObj::length() const { return inside_ ? inside_->length() : 0; }
 ZmPackObj* ZmPackObj::get(int i) const { return inside_ ? inside_->get(i) : nullptr; }
 
 ZmPackObj* ZmPackObj::find(const ZmString& name) const {
-  if (length() > kFew) return _indexed(name);
+  if (length() > kFew && ++searches_ > kFew) return _indexed(name);
   for (int i = length() - 1; i >= 0; --i)
     if (view(get(i)->name()) == view(name)) return get(i);
   return nullptr;

@@ -35,8 +35,8 @@ class ZmPackObj : public ZmBase {
   const ZmString* text() const { return text_.get(); }
   int length() const;           ///< Number of elements directly inside.
   ZmPackObj* get(int i) const;  ///< The one at i, from 0; null on a miss.
-  /// The last one of that name inside; null on a miss. Names inside must not change after the first
-  /// search, which makes an index where there are many.
+  /// The last one of that name inside; null on a miss. Where many are searched often they get an
+  /// index: names inside must not change after the first search.
   ZmPackObj* find(const ZmString& name) const;
   /// @}
 
@@ -61,7 +61,8 @@ class ZmPackObj : public ZmBase {
   std::unique_ptr<ZmString> key_;
   std::unique_ptr<ZmString> text_;
   ZmPackObjList* inside_ = nullptr;         // null while empty
-  mutable ZmPackObjHash* index_ = nullptr;  // of inside_ by name, lent; made by the first search
+  mutable ZmPackObjHash* index_ = nullptr;  // of inside_ by name, lent; made when it pays
+  mutable int searches_ = 0;
 };
 
 #endif

@@ -69,6 +69,7 @@ class ZmRange : public ZmBase {
 
   /// @name Texts
   /// @{
+
   /// The shortest range text of the values; empty when there are none. Strips the range. Only the
   /// first value of a run (three or more values at one distance) is padded: "001-10,15".
   ZmString value();
@@ -83,6 +84,7 @@ class ZmRange : public ZmBase {
 
   /// @name Patterns
   /// @{
+
   /// Whether the text could be a range text: only digits, "x", "X", "-", ",", spaces, tabs and
   /// newlines, not all of it blank, and no "x", "X" or "," as the very first character.
   static unsigned char isrange(const ZmString& text);

@@ -58,8 +58,13 @@ class ZmSlotTable {
   // Calls visit(key, value) for every pair: slot order, then the overflow in key order.
   template <class Visit>
   void each(Visit visit) const {
-    for (int i = 0; i < size_; ++i)
+    for (int i = 0; i < size_; ++i) {
+      if (i + 16 < size_) {  // slots lie in another order than memory
+        __builtin_prefetch(keys_[i + 16]);
+        __builtin_prefetch(values_[i + 16]);
+      }
       if (occupied(i)) visit(keys_[i], values_[i]);
+    }
     if (!overflow_) return;
     for (const auto& [text, pair] : *overflow_) visit(pair.first, pair.second);
   }

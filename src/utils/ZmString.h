@@ -37,6 +37,7 @@ class ZmString : public ZmBase {
 
   /// @name Copying and assignment
   /// @{
+
   /// Takes n bytes, zero bytes included; n <= 0 clears. A null s, or this string's own buffer, is
   /// ignored.
   void copy(const char* s, int n);
@@ -71,6 +72,7 @@ class ZmString : public ZmBase {
 
   /// @name Access
   /// @{
+
   /// The text with its terminating zero, lent until the next change; "" when undefined, never null.
   const char* value() const { return buffer_ ? buffer_ : &empty_; }
   unsigned char isundef() const { return buffer_ == nullptr; }  ///< 1 when there is no buffer.
@@ -106,15 +108,15 @@ class ZmString : public ZmBase {
   ZmString& operator+=(char c) {
     append(c);
     return *this;
-  }                                            ///< append(c).
-  ZmString& operator+=(const char* s);         ///< append(s).
-  ZmString& operator+=(const ZmString& other)  ///< Its text; nothing when it is empty.
-  {
+  }                                     ///< append(c).
+  ZmString& operator+=(const char* s);  ///< append(s).
+  /// Its text; nothing when it is empty.
+  ZmString& operator+=(const ZmString& other) {
     if (other.length_ > 0) append(other.buffer_, other.length_);
     return *this;
   }
-  ZmString& operator+=(ZmString* other)  ///< Its text; nothing when null.
-  {
+  /// Its text; nothing when null.
+  ZmString& operator+=(ZmString* other) {
     if (other) *this += *other;
     return *this;
   }
@@ -126,18 +128,25 @@ class ZmString : public ZmBase {
   /// @name Comparison
   /// Byte order of the texts, case-sensitive; empty and undefined strings are equal and come first.
   /// @{
+
+  /// Equal.
   unsigned char operator==(const ZmString& other) const;
+  /// Not equal.
   unsigned char operator!=(const ZmString& other) const { return !(*this == other); }
   /// Equality: mode 0 case-sensitive, mode 1 case-insensitive. Empty strings are equal in every
   /// mode; other texts are different in any other mode.
   unsigned char compare(const ZmString& other, int mode) const;
   /// Three-way, for sorting: negative, 0 or positive.
   int cmp(const ZmString& other) const;
+  /// Less.
   unsigned char operator<(const ZmString& other) const;
+  /// Greater.
   unsigned char operator>(const ZmString& other) const {
     return !(*this < other) && !(*this == other);
   }
+  /// Less or equal.
   unsigned char operator<=(const ZmString& other) const { return *this < other || *this == other; }
+  /// Greater or equal.
   unsigned char operator>=(const ZmString& other) const { return !(*this < other); }
   /// @}
 
@@ -158,6 +167,7 @@ class ZmString : public ZmBase {
   /// @name New strings made from this one
   /// A result to which nothing was appended is undefined.
   /// @{
+
   /// The bytes from position start up to, not including, position end.
   ZmString substr(int start, int end) const;
   ZmString tolower() const;  ///< In the current locale.
@@ -186,11 +196,9 @@ class ZmString : public ZmBase {
 
   /// @name Writing numbers
   /// @{
-  void hexvalue(char c);                   ///< Appends two upper-case hexadecimal digits.
-  void integervalue(int value, int width)  ///< Appends padded_int(value, width).
-  {
-    *this += padded_int(value, width);
-  }
+  void hexvalue(char c);  ///< Appends two upper-case hexadecimal digits.
+  /// Appends padded_int(value, width).
+  void integervalue(int value, int width) { *this += padded_int(value, width); }
   /// Appends the number padded on the left with `pad`, which goes in front of the sign.
   void integervalue(int value, int width, char pad);
   /// The number padded with zeros to `width`, the sign first: -5 in 4 is "-005". A negative width

@@ -80,7 +80,8 @@ void BM_SortNames(benchmark::State& state) {
     state.PauseTiming();
     ZmStringList names;
     for (int i = 0; i < state.range(0); ++i)
-      names.push(new ZmString(ZmString("node") + static_cast<int>(i * 2654435761U >> 8)));
+      names.push(new ZmString(ZmString("node") +
+                              static_cast<int>(static_cast<unsigned>(i) * 2654435761U >> 8)));
     state.ResumeTiming();
     names.sort();
   }

@@ -61,7 +61,7 @@ install(FILES "${PROJECT_SOURCE_DIR}/completions/_zmconfigfile"
 
 # Manual pages, compressed as man pages are everywhere; without gzip as they are.
 set(ZM_MAN_PAGES
-  zmconfigfile.1)
+  zmconfigfile.1 zmconfigfile.5)
 
 find_program(ZM_GZIP gzip)
 function(zm_install_gzipped file name)  # FILE as NAME.gz; further arguments go to install()
@@ -85,7 +85,7 @@ foreach(page IN LISTS ZM_MAN_PAGES)
     DESTINATION "${CMAKE_INSTALL_MANDIR}/man${section}" ${tools})
 endforeach()
 
-# Licence and examples. Each Debian package has a document directory of its own.
+# Licence, guide and examples. Each Debian package has a document directory of its own.
 set(docdir_torvel-tools "${CMAKE_INSTALL_DOCDIR}")
 set(docdir_libzmapi-dev "${CMAKE_INSTALL_DOCDIR}")
 if(ZM_DEBIAN)
@@ -103,8 +103,9 @@ else()
 endif()
 install(FILES "${PROJECT_SOURCE_DIR}/examples/farm.conf"
   DESTINATION "${docdir_torvel-tools}/examples" ${tools})
-install(FILES "${PROJECT_SOURCE_DIR}/examples/threads.cpp"
-  DESTINATION "${docdir_libzmapi-dev}/examples" ${dev})
+install(FILES "${PROJECT_SOURCE_DIR}/docs/guide.md" DESTINATION "${docdir_libzmapi-dev}" ${dev})
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/" DESTINATION "${docdir_libzmapi-dev}/examples"
+  ${dev} FILES_MATCHING PATTERN "*.cpp")
 
 if(ZM_DEBIAN)
   include(ZmPackages)

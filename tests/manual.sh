@@ -17,8 +17,8 @@ awk -v dir="$dir" '
   }
   /^\.Bd -literal/ && to { shown = 1 }' "$@"
 
+[ -f "$dir/1.conf" ] || { echo "no examples found"; exit 1; }
 failed=0
-[ -f "$dir/1.conf" ] || { echo "no examples found"; failed=1; }
 for file in "$dir"/*.conf; do
   "$tool" "$file" 2>&1 | diff -u "${file%.conf}.out" - || { cat "$file"; failed=1; }
 done

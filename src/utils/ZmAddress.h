@@ -1,6 +1,9 @@
 #ifndef ZM_ADDRESS_H
 #define ZM_ADDRESS_H
 
+/// @file
+/// ZmAddress and its output.
+
 #include <iosfwd>
 
 #include "ZmPack.h"
@@ -53,11 +56,9 @@ class ZmAddress : public ZmPack {
   unsigned char blank_ = 1;
 };
 
-/// @name Printing
-/// Each writes stringvalue().
-/// @{
+/// Writes stringvalue().
 std::ostream& operator<<(std::ostream& out, const ZmAddress& address);
+/// Writes stringvalue().
 ZmDebug& operator<<(ZmDebug& out, const ZmAddress& address);
-/// @}
 
 #endif

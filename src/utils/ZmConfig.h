@@ -1,6 +1,9 @@
 #ifndef ZM_CONFIG_H
 #define ZM_CONFIG_H
 
+/// @file
+/// ZmConfig, and functions for sorting.
+
 #include <string_view>
 
 #include "ZmAddress.h"

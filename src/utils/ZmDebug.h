@@ -1,6 +1,9 @@
 #ifndef ZM_DEBUG_H
 #define ZM_DEBUG_H
 
+/// @file
+/// ZmDebug, and the log of the process.
+
 #include <iosfwd>
 #include <memory>
 

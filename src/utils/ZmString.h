@@ -1,6 +1,9 @@
 #ifndef ZM_STRING_H
 #define ZM_STRING_H
 
+/// @file
+/// ZmString, its concatenation and its output.
+
 #include <iosfwd>
 
 #include "ZmBase.h"
@@ -233,17 +236,17 @@ class ZmString : public ZmBase {
 /// Each gives a new string: a copy of the left operand (its `secure` flag included), then the
 /// right.
 /// @{
-ZmString operator+(const ZmString& a, const ZmString& b);
-ZmString operator+(const ZmString& a, const char* b);
-ZmString operator+(const char* a, const ZmString& b);
+ZmString operator+(const ZmString& a, const ZmString& b);  ///< a, then b.
+ZmString operator+(const ZmString& a, const char* b);      ///< a, then b.
+ZmString operator+(const char* a, const ZmString& b);      ///< a, then b.
 /// The character's decimal code is appended, not the character; callers rely on it.
 ZmString operator+(const ZmString& a, char b);
 /// The character's decimal code, sign-extended, stands first.
 ZmString operator+(char a, const ZmString& b);
-ZmString operator+(int a, const ZmString& b);
-ZmString operator+(const ZmString& a, int b);
-ZmString operator+(float a, const ZmString& b);
-ZmString operator+(const ZmString& a, float b);
+ZmString operator+(int a, const ZmString& b);    ///< The decimal text of a, then b.
+ZmString operator+(const ZmString& a, int b);    ///< a, then the decimal text of b.
+ZmString operator+(float a, const ZmString& b);  ///< The text of "%f" for a, then b.
+ZmString operator+(const ZmString& a, float b);  ///< a, then the text of "%f" for b.
 /// @}
 
 /// Writes value().

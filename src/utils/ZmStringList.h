@@ -1,6 +1,9 @@
 #ifndef ZM_STRING_LIST_H
 #define ZM_STRING_LIST_H
 
+/// @file
+/// ZmStringList, and a function for sorting.
+
 #include "ZmList.h"
 #include "ZmString.h"
 

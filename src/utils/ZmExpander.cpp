@@ -36,6 +36,7 @@ std::string_view ZmExpander::expand(std::string_view scope, std::string_view sel
     if (usable(node)) {
       recall(top, node);
       cycle_ = top.cycle;
+      scoped_ = top.scope != nullptr;
     } else {
       enter(node);
     }
@@ -49,17 +50,19 @@ std::string_view ZmExpander::expand(std::string_view scope, std::string_view sel
   return out_;
 }
 
-// What rests on the option is forgotten. But a result without a reference in it expands to itself,
-// so that it still stands now that it is stored.
+// What rests on the option is forgotten. But a result that is the same in every scope and has no
+// reference in it expands to itself, so that it still stands now that it is stored.
 void ZmExpander::replaced() {
   const auto met = nodes_.find(root_);
   if (met == nodes_.end()) return;
-  if (!cycle_ && !hasreference(out_) && !met->second.copied) return;
+  if (met->second.copied) ++epoch_;
+  if (!cycle_ && !scoped_ && !hasreference(out_)) return;
   std::vector<Node*> stale{&met->second};
   while (!stale.empty()) {
     Node& node = *stale.back();
     stale.pop_back();
-    node.known = false;
+    node.known = node.linked = false;
+    node.once |= std::exchange(node.knotted, false);
     node.alias = nullptr;
     node.tangle = -1;
     stale.insert(stale.end(), node.users.begin(), node.users.end());
@@ -108,11 +111,7 @@ void ZmExpander::unqualified(Frame& frame, std::string_view word, bool braced) {
     append(scope_);
   } else if (const ZmString* value = scope_section_->_find(word)) {
     append(view(*value));
-    if (hasreference(view(*value))) {
-      Node& copied = node(*scope_section_, word, *value);
-      copied.copied = true;
-      use(frame, copied);
-    }
+    if (hasreference(view(*value))) node(*scope_section_, word, *value).copied = true;
   }
   // The word behind is always consumed, whatever it is, and a "}" behind that closes the braces.
   zm_value_word(frame.in);
@@ -126,7 +125,7 @@ bool ZmExpander::refer(Frame& frame, const ZmConfig& config, std::string_view la
     return false;
   }
   Node& named = node(config, label, value);
-  use(frame, named);
+  if (frame.node && !frame.node->linked) named.users.push_back(frame.node);
   if (&value == root_) named.depth = 0;
   Node& node = named.alias ? *named.alias : named;
   frame.mixed |= frame.only != nullptr;
@@ -135,7 +134,7 @@ bool ZmExpander::refer(Frame& frame, const ZmConfig& config, std::string_view la
     cut(frame, node, node.depth);
   } else if (usable(node)) {
     recall(frame, node);
-  } else if (node.knotted && (reread_ += node.value->length()) > kReread) {
+  } else if (tiring(node)) {
     cut(frame, node, chain_.size() - 1);
   } else {
     enter(node);
@@ -156,9 +155,12 @@ ZmExpander::Node& ZmExpander::node(const ZmConfig& config, std::string_view labe
   return node;
 }
 
-void ZmExpander::use(const Frame& frame, Node& node) {
-  if (frame.node && (node.users.empty() || node.users.back() != frame.node))
-    node.users.push_back(frame.node);
+// Whether too much has been read again to enter this option once more. What was found in a cycle
+// before gets a second chance: the cycle may have ended with an option that was replaced.
+bool ZmExpander::tiring(const Node& node) {
+  if (!node.knotted && !node.once) return false;
+  reread_ += node.value->length();
+  return reread_ > (node.knotted ? kReread : 2 * kReread);
 }
 
 void ZmExpander::cut(Frame& frame, const Node& node, std::size_t depth) {
@@ -185,6 +187,7 @@ void ZmExpander::leave() {
   settle(frame, chain_.size());
   if (chain_.empty()) {
     cycle_ = frame.cycle;
+    scoped_ = frame.scope != nullptr;
     tangled_.clear();
     const auto root = nodes_.find(root_);
     if (root != nodes_.end()) root->second.depth = kNone;
@@ -203,6 +206,7 @@ void ZmExpander::settle(const Frame& frame, std::size_t depth) {
   Node* node = frame.node;
   if (!node) return;
   node->depth = kNone;
+  node->linked = true;
   if (node->tangle >= 0) --open_[static_cast<std::size_t>(node->tangle)];
   if (frame.back != kNone) node->knotted = true;
   if (frame.back < depth) {
@@ -216,17 +220,20 @@ void ZmExpander::settle(const Frame& frame, std::size_t depth) {
       tangled_[i]->tangle = node->tangle;
     tangled_.resize(frame.tangled);
   }
-  if (!frame.cycle && !frame.mixed && frame.only) node->alias = frame.only;
+  if (!frame.cycle && !frame.mixed && frame.only)
+    node->alias = frame.only->alias ? frame.only->alias : frame.only;
   if (std::exchange(node->again, true)) {
     node->known = true;
     node->scope = frame.scope;
+    node->epoch = epoch_;
     node->cycle = frame.cycle;
     node->result.assign(out_, frame.start);
   }
 }
 
 bool ZmExpander::usable(const Node& node) const {
-  if (!node.known || (node.scope && node.scope != scope_section_)) return false;
+  if (!node.known) return false;
+  if (node.scope && (node.scope != scope_section_ || node.epoch != epoch_)) return false;
   return node.tangle < 0 || open_[static_cast<std::size_t>(node.tangle)] == 0;
 }
 

@@ -52,17 +52,20 @@ class ZmExpander {
     std::string_view section;  // lent by it
     std::string label;
     const ZmString* value = nullptr;
-    std::size_t depth = kNone;        // its place in the chain while under expansion
-    int tangle = -1;                  // the tangle of cycles that it belongs to
-    bool knotted = false;             // it was once found in a cycle
-    bool copied = false;              // an unqualified reference copied it unexpanded
-    bool again = false;               // it has been expanded before
-    bool known = false;               // the result stands ...
-    const ZmConfig* scope = nullptr;  // ... unless null, in this scope only
+    std::size_t depth = kNone;  // its place in the chain while under expansion
+    int tangle = -1;            // the tangle of cycles that it belongs to
+    bool knotted = false;       // it was found in a cycle
+    bool once = false;          // so it was, but before something that it rests on was replaced
+    bool copied = false;        // an unqualified reference copied it unexpanded
+    bool linked = false;        // what it refers to knows it as a user
+    bool again = false;         // it has been expanded before
+    bool known = false;         // the result stands ...
+    const ZmConfig* scope = nullptr;  // ... unless null, in this scope only, and there ...
+    unsigned epoch = 0;               // ... until an option that was copied is replaced
     const Node* cycle = nullptr;      // what led back to itself under it
     std::string result;
     Node* alias = nullptr;     // the option at whose expansion this one always ends up
-    std::vector<Node*> users;  // whose results or aliases rest on this option
+    std::vector<Node*> users;  // those that refer to this option
   };
 
   // An option under expansion.
@@ -87,7 +90,7 @@ class ZmExpander {
   void unqualified(Frame& frame, std::string_view word, bool braced);
   bool refer(Frame& frame, const ZmConfig& config, std::string_view label, const ZmString& value);
   Node& node(const ZmConfig& config, std::string_view label, const ZmString& value);
-  void use(const Frame& frame, Node& node);
+  bool tiring(const Node& node);
   void enter(Node& node);
   void leave();
   void settle(const Frame& frame, std::size_t depth);
@@ -108,6 +111,8 @@ class ZmExpander {
   const ZmConfig* scope_section_ = nullptr;
   const ZmString* root_ = nullptr;
   const Node* cycle_ = nullptr;  // of the last result
+  bool scoped_ = false;          // whether it depends on its scope
+  unsigned epoch_ = 0;
   long long reread_ = 0;
 };
 

@@ -8,6 +8,14 @@
 #include <iterator>
 #include <string>
 
+#if defined(__SANITIZE_ADDRESS__)
+#define ZM_ADDRESS_SANITIZER
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ZM_ADDRESS_SANITIZER
+#endif
+#endif
+
 namespace {
 
 std::string content(const std::string& path) {
@@ -104,7 +112,7 @@ TEST_F(Tool, TellsWhenItCannotWriteOrHasNoMemory) {
   for (const char* arguments : {"--help", "--version", "", "missing"})
     EXPECT_EQ(run(arguments + std::string(" >/dev/full")), cannot) << arguments;
   EXPECT_EQ(run("missing >&-"), cannot);
-#if !defined(__SANITIZE_ADDRESS__)  // which reserves more than any limit leaves
+#ifndef ZM_ADDRESS_SANITIZER  // it reserves more than any limit leaves
   std::string laughs = "[a]\nn0 = ha\n";
   for (int i = 1; i < 12; ++i) {
     laughs += "n" + std::to_string(i) + " = \"";

@@ -29,7 +29,9 @@ class ZmBaseHash {
   virtual ~ZmBaseHash() { clear(); }  ///< The only virtual slot.
 
   /// The hash of a key: each byte, as a signed number, times 7 to the power of its position; wraps.
-  unsigned int _key(const ZmString& key) const { return ZmSlotTable::hash(view(key)); }
+  unsigned int _key(const ZmString& key) const {
+    return static_cast<unsigned int>(ZmSlotTable::hash(view(key)));
+  }
   /// The value stored under the key, lent; null when there is none.
   T* get(const ZmString& key) const { return static_cast<T*>(table_.get(key)); }
   /// Stores the pair and owns both; an earlier pair of an equal key is destroyed. The value may be
@@ -62,10 +64,10 @@ class ZmBaseHash {
 
   /// @name For callers that know the hash of the key
   /// @{
-  T* _get(std::string_view key, unsigned int hash) const {
+  T* _get(std::string_view key, ZmSlotTable::Hash hash) const {
     return static_cast<T*>(table_.get(key, hash));
   }  ///< As get().
-  unsigned char _set(T* value, ZmString* key, unsigned int hash) {
+  unsigned char _set(T* value, ZmString* key, ZmSlotTable::Hash hash) {
     return table_.set(value, key, hash, _destroy);
   }                                                     ///< As set().
   const ZmSlotTable& _table() const { return table_; }  ///< For walking over the pairs.

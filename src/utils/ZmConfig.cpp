@@ -45,7 +45,7 @@ void ZmConfig::option(const ZmString& label, const ZmString& value) {
       [&](ZmString& stored) { stored = value; });
 }
 
-int ZmConfig::_store(std::string_view label, unsigned int hash, std::string_view value) {
+int ZmConfig::_store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value) {
   const auto count = static_cast<int>(value.size());
   return _place(
       label, hash, [&] { return new ZmString(value.data(), count); },
@@ -56,7 +56,7 @@ int ZmConfig::_store(std::string_view label, unsigned int hash, std::string_view
 }
 
 template <class Make, class Assign>
-int ZmConfig::_place(std::string_view label, unsigned int hash, Make make, Assign assign) {
+int ZmConfig::_place(std::string_view label, ZmSlotTable::Hash hash, Make make, Assign assign) {
   ZmSlotTable& table = options_._table();
   const ZmSlotTable::Spot spot = table.locate(label, hash);
   const auto count = static_cast<int>(label.size());

@@ -110,9 +110,9 @@ class ZmConfig : public ZmPack {
   // The stored value of a label that is no ZmString yet; null when it is absent.
   ZmString* _find(std::string_view label) const;
   // option() for texts that are no ZmString yet. The position of a new label, -1 for a known one.
-  int _store(std::string_view label, unsigned int hash, std::string_view value);
+  int _store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value);
   template <class Make, class Assign>
-  int _place(std::string_view label, unsigned int hash, Make make, Assign assign);
+  int _place(std::string_view label, ZmSlotTable::Hash hash, Make make, Assign assign);
 
   unsigned char _parse();
   void _whitespace();

@@ -190,7 +190,7 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
 
 // The section of this name, made when there is none.
 ZmConfigReader::Target ZmConfigReader::section(const ZmString& name) {
-  const unsigned int hash = ZmSlotTable::hash(view(name));
+  const ZmSlotTable::Hash hash = ZmSlotTable::hash(view(name));
   if (ZmConfig* known = sections_._get(view(name), hash)) return {known, kOld};
   auto config = std::make_unique<ZmConfig>();
   config->name(name);

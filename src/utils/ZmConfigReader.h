@@ -35,9 +35,9 @@ class ZmConfigReader {
   struct Option {
     std::string_view label;
     std::string_view value;
-    unsigned int hash;  // of the label
-    bool references;    // whether the value holds any
-    bool local;         // whether they name "self" or "this"
+    ZmSlotTable::Hash hash;  // of the label
+    bool references;         // whether the value holds any
+    bool local;              // whether they name "self" or "this"
   };
   // An option of a created section that holds references.
   struct Reference {

@@ -46,8 +46,8 @@ bool zm_read_file(const ZmString& path, ZmString& text) {
   struct stat status {};
   if (file.get() < 0 || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
   text.clear();
-  // The room that growth would come to, at once; and a byte more than the file has, so that its end
-  // is seen. A file that reports no size, as those of /proc do, is read all the same.
+  // The room that growth would come to, at once. A file that reports no size, as those of /proc do,
+  // is read all the same.
   if (status.st_size >= text.size_ && status.st_size < INT_MAX / 4)
     text._resize(static_cast<int>(status.st_size + 1) * 4);
   for (;;) {
@@ -60,6 +60,6 @@ bool zm_read_file(const ZmString& path, ZmString& text) {
     const ssize_t n = retried(file.get(), text.buffer_ + text.length_, room);
     if (n > 0) text.length_ += static_cast<int>(n);
     text.buffer_[text.length_] = 0;
-    if (n <= 0) return true;
+    if (n <= 0 || text.length_ == status.st_size) return true;
   }
 }

@@ -1,9 +1,13 @@
 #include "ZmSlotTable.h"
 
+#include <algorithm>
+#include <array>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
+#include <numeric>
 
 #include "ZmMemory.h"
 
@@ -13,8 +17,10 @@ constexpr int kStartSize = 17;
 constexpr int kProbes = 33;               // the offsets of further probes have all been tried
 constexpr long long kFreeGrowth = 65536;  // slots up to which growth is never refused
 constexpr long long kSlotsPerEntry = 32;
+constexpr int kMany = 1024;  // entries that are worth an order when they are destroyed
 
-constexpr std::size_t kSlotBytes = sizeof(ZmString*) + sizeof(void*) + sizeof(std::uint32_t);
+constexpr std::size_t kSlotBytes =
+    sizeof(ZmString*) + sizeof(void*) + sizeof(std::uint32_t) + sizeof(unsigned char);
 
 std::size_t bytes(int size) { return static_cast<std::size_t>(size) * kSlotBytes; }
 
@@ -24,54 +30,58 @@ std::uint32_t slot(std::uint32_t hash, int probe, int size) {
   return (hash + offset) % static_cast<std::uint32_t>(size);
 }
 
+// Some bits of the end of a key, where names differ most.
+std::uint64_t end_of(std::string_view key) {
+  std::uint64_t last = 0;
+  if (key.size() >= sizeof last) {
+    std::memcpy(&last, key.data() + key.size() - sizeof last, sizeof last);
+    return last;
+  }
+  for (const char c : key) last = last << 8 | static_cast<unsigned char>(c);
+  return last;
+}
+
 int probes(int size) { return size / 2 < kProbes ? size / 2 : kProbes; }
 
 }  // namespace
-
-// A key being searched for. Equal texts have one hash, except that a zero byte ends a comparison:
-// keys that hold one may be equal to others with different bytes behind it.
-class ZmSlotTable::Seek {
- public:
-  Seek(std::string_view text, std::uint32_t text_hash) : key_(text), hash_(text_hash) {}
-
-  bool matches(const ZmString* other, std::uint32_t other_hash) {
-    if (other_hash != hash_ && !zero()) return false;
-    if (view(*other).size() != key_.size()) return false;
-    return key_.empty() || std::strncmp(other->value(), key_.data(), key_.size()) == 0;
-  }
-
- private:
-  bool zero() {
-    if (zero_ < 0) zero_ = key_.find('\0') != std::string_view::npos;
-    return zero_ != 0;
-  }
-
-  std::string_view key_;
-  std::uint32_t hash_;
-  int zero_ = -1;  // not yet known
-};
 
 ZmSlotTable::ZmSlotTable() { use(allocated(kStartSize)); }
 
 ZmSlotTable::~ZmSlotTable() { release(slots()); }
 
-std::uint32_t ZmSlotTable::hash(std::string_view key) {
+ZmSlotTable::Hash ZmSlotTable::hash(std::string_view key) {
+  // The bytes count as signed: those of 128 and above subtract.
+  const auto byte = [key](std::size_t i) {
+    return static_cast<std::uint32_t>(static_cast<signed char>(key[i]));
+  };
   std::uint32_t sum = 0;
   std::uint32_t weight = 1;
-  for (const char c : key) {
-    // The bytes count as signed: those of 128 and above subtract.
-    sum += weight * static_cast<std::uint32_t>(static_cast<signed char>(c));
-    weight *= 7;
+  bool zero = false;
+  std::size_t i = 0;
+  for (; i + 4 <= key.size(); i += 4, weight *= 7 * 7 * 7 * 7) {
+    sum += weight * (byte(i) + 7 * (byte(i + 1) + 7 * (byte(i + 2) + 7 * byte(i + 3))));
+    zero |= byte(i) == 0 || byte(i + 1) == 0 || byte(i + 2) == 0 || byte(i + 3) == 0;
   }
-  return sum;
+  for (; i < key.size(); ++i, weight *= 7) {
+    sum += weight * byte(i);
+    zero |= byte(i) == 0;
+  }
+  return Hash{zero ? static_cast<unsigned char>(kZero) : mark(key)} << 32 | sum;
 }
 
-// One block: keys, values, hashes. All empty.
+// For keys without a zero byte.
+unsigned char ZmSlotTable::mark(std::string_view key) {
+  const std::uint64_t mixed = end_of(key) * 0x9e3779b97f4a7c15;
+  return static_cast<unsigned char>(kMarks + (mixed >> 56) * (256 - kMarks) / 256);
+}
+
+// One block: keys, values, hashes, marks. All empty.
 ZmSlotTable::Slots ZmSlotTable::allocated(int size) {
   Slots slots;
   slots.keys = static_cast<ZmString**>(zm_allocate_zeroed(bytes(size)));
   slots.values = reinterpret_cast<void**>(slots.keys + size);
   slots.hashes = reinterpret_cast<std::uint32_t*>(slots.values + size);
+  slots.marks = reinterpret_cast<unsigned char*>(slots.hashes + size);
   slots.size = size;
   return slots;
 }
@@ -84,26 +94,43 @@ void ZmSlotTable::use(const Slots& slots) {
   keys_ = slots.keys;
   values_ = slots.values;
   hashes_ = slots.hashes;
+  marks_ = slots.marks;
   size_ = slots.size;
 }
 
-ZmSlotTable::Spot ZmSlotTable::locate(std::string_view key, std::uint32_t key_hash) const {
+// The text is asked for only where it must be compared.
+template <class Text>
+ZmSlotTable::Spot ZmSlotTable::seek(Hash key_hash, Text text) const {
+  const auto sum = static_cast<std::uint32_t>(key_hash);
+  const auto mark = static_cast<unsigned char>(key_hash >> 32);
+  const auto holds = [&](int at) {
+    if (marks_[at] != mark || (hashes_[at] != sum && mark != kZero)) return false;
+    const std::string_view held = view(*keys_[at]);
+    const std::string_view sought = text();
+    if (held.size() != sought.size()) return false;
+    // A zero byte ends a comparison.
+    if (mark == kZero) return std::strncmp(held.data(), sought.data(), held.size()) == 0;
+    return std::memcmp(held.data(), sought.data(), held.size()) == 0;
+  };
   Spot spot;
-  Seek seek(key, key_hash);
   for (int probe = 0; probe < probes(size_); ++probe) {
-    const auto at = static_cast<int>(slot(key_hash, probe, size_));
+    const auto at = static_cast<int>(slot(sum, probe, size_));
     const bool vacant = !occupied(at);
-    if (!vacant && !seek.matches(keys_[at], hashes_[at])) continue;
+    if (!vacant && !holds(at)) continue;
     // A later slot may hold the same key once one before it was removed. A new entry still goes to
     // the first vacant slot, and is then the one that lookups find.
     if (spot.place < 0) spot.place = at;
     if (!vacant) spot.found = at;
-    if (!vacant || !keys_[at]) break;
+    if (marks_[at] != kRemoved) break;
   }
   return spot;
 }
 
-void* ZmSlotTable::get(std::string_view key, std::uint32_t key_hash) const {
+ZmSlotTable::Spot ZmSlotTable::locate(std::string_view key, Hash key_hash) const {
+  return seek(key_hash, [key] { return key; });
+}
+
+void* ZmSlotTable::get(std::string_view key, Hash key_hash) const {
   if (count_ < 1) return nullptr;
   const int at = locate(key, key_hash).found;
   if (at >= 0) return values_[at];
@@ -120,6 +147,7 @@ void* ZmSlotTable::remove(const ZmString& key) {
     // The argument may be the stored key itself, so it is not used below.
     delete keys_[at];
     keys_[at] = &removed_;
+    marks_[at] = kRemoved;
     value = std::exchange(values_[at], nullptr);
   } else {
     if (!overflow_) return nullptr;
@@ -136,8 +164,8 @@ void* ZmSlotTable::remove(const ZmString& key) {
   return value;
 }
 
-ZmSlotTable::Stored ZmSlotTable::store(const Pair& pair, std::uint32_t key_hash, Pair& old) {
-  const int at = locate(view(*pair.first), key_hash).place;
+ZmSlotTable::Stored ZmSlotTable::store(const Pair& pair, Hash key_hash, Pair& old) {
+  const int at = seek(key_hash, [&pair] { return view(*pair.first); }).place;
   if (at < 0) return Stored::kFull;
   const bool vacant = !occupied(at);
   if (!vacant) old = {keys_[at], values_[at]};
@@ -145,13 +173,14 @@ ZmSlotTable::Stored ZmSlotTable::store(const Pair& pair, std::uint32_t key_hash,
   return vacant ? Stored::kNew : Stored::kReplaced;
 }
 
-void ZmSlotTable::put(int at, const Pair& pair, std::uint32_t key_hash) {
+void ZmSlotTable::put(int at, const Pair& pair, Hash key_hash) {
   keys_[at] = pair.first;
   values_[at] = pair.second;
-  hashes_[at] = key_hash;
+  hashes_[at] = static_cast<std::uint32_t>(key_hash);
+  marks_[at] = static_cast<unsigned char>(key_hash >> 32);
 }
 
-bool ZmSlotTable::fill(const Spot& spot, void* value, ZmString* key, std::uint32_t key_hash) {
+bool ZmSlotTable::fill(const Spot& spot, void* value, ZmString* key, Hash key_hash) {
   if (overflow_ || spot.place < 0 || spot.found >= 0) return false;
   put(spot.place, {key, value}, key_hash);
   ++count_;
@@ -159,7 +188,7 @@ bool ZmSlotTable::fill(const Spot& spot, void* value, ZmString* key, std::uint32
   return true;
 }
 
-bool ZmSlotTable::set(void* value, ZmString* key, std::uint32_t key_hash, Destroy destroy) {
+bool ZmSlotTable::set(void* value, ZmString* key, Hash key_hash, Destroy destroy) {
   const Pair pair{key, value};
   Pair old{};
   Stored stored = Stored::kFull;
@@ -194,9 +223,10 @@ bool ZmSlotTable::refused(long long size) const {
 // Puts the pairs of other slots into these, which are empty; false when one finds no place.
 bool ZmSlotTable::refill(const Slots& from, int& count, std::vector<Pair>& replaced) {
   for (int i = 0; i < from.size; ++i) {
-    if (!from.keys[i] || from.keys[i] == &removed_) continue;
+    if (from.marks[i] <= kRemoved) continue;
     Pair old{};
-    switch (store({from.keys[i], from.values[i]}, from.hashes[i], old)) {
+    const Hash key_hash = Hash{from.marks[i]} << 32 | from.hashes[i];
+    switch (store({from.keys[i], from.values[i]}, key_hash, old)) {
       case Stored::kFull:
         return false;
       case Stored::kReplaced:
@@ -256,15 +286,46 @@ void ZmSlotTable::empty_overflow(std::vector<Pair>& replaced) {
   if (overflow_->empty()) delete std::exchange(overflow_, nullptr);
 }
 
+// Calls visit(key, value) for the pairs in the slots, in the order in which the keys stand in
+// memory (radix sort, of 64 GiB). False, when there is no memory to sort them in: nothing was
+// visited.
+template <class Visit>
+bool ZmSlotTable::each_in_memory(Visit visit) const {
+  constexpr unsigned kDigit = 11;
+  constexpr unsigned kGrain = 4;  // bits below that are the same for all
+  constexpr std::size_t kDigits = std::size_t{1} << kDigit;
+  const auto room = static_cast<std::size_t>(entries_);
+  const std::unique_ptr<Pair[]> first(new (std::nothrow) Pair[room]);
+  const std::unique_ptr<Pair[]> second(new (std::nothrow) Pair[room]);
+  if (!first || !second) return false;
+  Pair* pairs = first.get();
+  Pair* sorted = second.get();
+  std::size_t count = 0;
+  each_slot([&](ZmString* key, void* value) { pairs[count++] = {key, value}; });
+  for (unsigned shift = kGrain; shift < kGrain + 3 * kDigit; shift += kDigit) {
+    const auto digit = [shift](const Pair& pair) {
+      return reinterpret_cast<std::uintptr_t>(pair.first) >> shift & (kDigits - 1);
+    };
+    std::array<std::size_t, kDigits + 1> at{};
+    for (std::size_t i = 0; i < count; ++i) ++at[digit(pairs[i]) + 1];
+    std::partial_sum(at.begin(), at.end(), at.begin());
+    for (std::size_t i = 0; i < count; ++i) sorted[at[digit(pairs[i])]++] = pairs[i];
+    std::swap(pairs, sorted);
+  }
+  for (std::size_t i = 0; i < count; ++i) visit(pairs[i].first, pairs[i].second);
+  return true;
+}
+
+// What is given back in the order of memory is had again so: a large table that is filled next then
+// stands in memory as it is filled, and not scattered as the slots are.
 void ZmSlotTable::clear(Destroy destroy) {
-  each([destroy](ZmString* key, void* value) {
+  const auto drop = [destroy](ZmString* key, void* value) {
     if (value && destroy) destroy(value);
     delete key;
-  });
-  for (int i = 0; i < size_; ++i) {
-    keys_[i] = nullptr;
-    values_[i] = nullptr;
-  }
+  };
+  if (entries_ < kMany || !each_in_memory(drop)) each_slot(drop);
+  each_beyond(drop);
+  std::memset(keys_, 0, bytes(size_));  // the whole block
   delete std::exchange(overflow_, nullptr);
   count_ = 0;
   entries_ = 0;
@@ -285,6 +346,7 @@ void ZmSlotTable::copy(const ZmSlotTable& other, void* (*copy_value)(const void*
     values_[i] = copy_value(other.values_[i]);
     keys_[i] = new ZmString(*other.keys_[i]);
     hashes_[i] = other.hashes_[i];
+    marks_[i] = other.marks_[i];
   }
   if (!other.overflow_) return;
   overflow_ = new Overflow;

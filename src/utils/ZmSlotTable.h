@@ -15,6 +15,10 @@
 // Owns its keys; values are pointers it never looks behind. `destroy` arguments release a value
 // that was replaced.
 //
+// The published hash of a key is weak: keys that end in numbers often share it. So a search looks
+// at one byte a slot, its mark, which holds some bits of a second hash, and reads a key only when
+// both hashes agree.
+//
 // A key's 32-bit hash alone decides its probe slots, and the offsets repeat after 33 probes. More
 // keys of one hash can't be stored in any table, so growth is bounded: a pair for which the table
 // would have to go beyond both 65,536 slots and 32 slots an entry is kept in an ordered overflow
@@ -22,32 +26,34 @@
 class ZmSlotTable {
  public:
   using Destroy = void (*)(void*);
+  // The published hash in the lower half, the mark of the key above it.
+  using Hash = std::uint64_t;
 
   ZmSlotTable();
   ZmSlotTable(const ZmSlotTable&) = delete;
   ZmSlotTable& operator=(const ZmSlotTable&) = delete;
   ~ZmSlotTable();  // clear() first
 
-  static std::uint32_t hash(std::string_view key);
+  static Hash hash(std::string_view key);
 
   int count() const { return count_; }
   int entries() const { return entries_; }
   void* get(const ZmString& key) const { return get(view(key), hash(view(key))); }
-  void* get(std::string_view key, std::uint32_t key_hash) const;
+  void* get(std::string_view key, Hash key_hash) const;
   // Where a key is and where set() would put it, as slots; -1: nowhere.
   struct Spot {
     int found = -1;
     int place = -1;
   };
-  Spot locate(std::string_view key, std::uint32_t key_hash) const;
+  Spot locate(std::string_view key, Hash key_hash) const;
   void* value(int at) const { return values_[at]; }
   // Stores a new pair where locate() has said, unless only set() can; takes nothing then.
-  bool fill(const Spot& spot, void* value, ZmString* key, std::uint32_t key_hash);
+  bool fill(const Spot& spot, void* value, ZmString* key, Hash key_hash);
   // False: the key is null.
   bool set(void* value, ZmString* key, Destroy destroy) {
     return key && set(value, key, hash(view(*key)), destroy);
   }
-  bool set(void* value, ZmString* key, std::uint32_t key_hash, Destroy destroy);
+  bool set(void* value, ZmString* key, Hash key_hash, Destroy destroy);
   void* remove(const ZmString& key);
   bool resize(Destroy destroy);  // false: the growth is not made
   void clear(Destroy destroy);   // a null destroy forgets the values
@@ -58,6 +64,31 @@ class ZmSlotTable {
   // Calls visit(key, value) for every pair: slot order, then the overflow in key order.
   template <class Visit>
   void each(Visit visit) const {
+    each_slot(visit);
+    each_beyond(visit);
+  }
+
+ private:
+  using Pair = std::pair<ZmString*, void*>;
+  using Overflow = std::map<std::string_view, Pair>;
+  enum class Stored { kNew, kReplaced, kFull };
+  // What a mark says of its slot. Keys with a zero byte have a mark of their own, since they may be
+  // equal to others with another hash.
+  enum Mark : unsigned char { kEmpty, kRemoved, kZero, kMarks };
+  struct Slots {
+    ZmString** keys;
+    void** values;
+    std::uint32_t* hashes;
+    unsigned char* marks;
+    int size;
+  };
+
+  bool occupied(int i) const { return marks_[i] > kRemoved; }
+  static Slots allocated(int size);
+  static void release(const Slots& slots) noexcept;
+  Slots slots() const { return {keys_, values_, hashes_, marks_, size_}; }
+  template <class Visit>
+  void each_slot(Visit visit) const {
     for (int i = 0; i < size_; ++i) {
       if (i + 16 < size_) {  // slots lie in another order than memory
         __builtin_prefetch(keys_[i + 16]);
@@ -65,30 +96,21 @@ class ZmSlotTable {
       }
       if (occupied(i)) visit(keys_[i], values_[i]);
     }
+  }
+  template <class Visit>
+  void each_beyond(Visit visit) const {
     if (!overflow_) return;
     for (const auto& [text, pair] : *overflow_) visit(pair.first, pair.second);
   }
-
- private:
-  using Pair = std::pair<ZmString*, void*>;
-  using Overflow = std::map<std::string_view, Pair>;
-  enum class Stored { kNew, kReplaced, kFull };
-  class Seek;
-  struct Slots {
-    ZmString** keys;
-    void** values;
-    std::uint32_t* hashes;
-    int size;
-  };
-
-  bool occupied(int i) const { return keys_[i] && keys_[i] != &removed_; }
-  static Slots allocated(int size);
-  static void release(const Slots& slots) noexcept;
-  Slots slots() const { return {keys_, values_, hashes_, size_}; }
+  template <class Visit>
+  bool each_in_memory(Visit visit) const;
+  static unsigned char mark(std::string_view key);
+  template <class Text>
+  Spot seek(Hash key_hash, Text text) const;
   void use(const Slots& slots);
-  void put(int at, const Pair& pair, std::uint32_t key_hash);
+  void put(int at, const Pair& pair, Hash key_hash);
   // Puts the pair where it belongs; the pair it replaces goes to `old`.
-  Stored store(const Pair& pair, std::uint32_t hash, Pair& old);
+  Stored store(const Pair& pair, Hash key_hash, Pair& old);
   bool refused(long long size) const;
   bool refill(const Slots& from, int& count, std::vector<Pair>& replaced);
   void empty_overflow(std::vector<Pair>& replaced);
@@ -101,6 +123,7 @@ class ZmSlotTable {
   int entries_ = 0;   // entries, exactly
   int patience_ = 0;  // no growth before there are so many entries: the last one came to nothing
   std::uint32_t* hashes_ = nullptr;  // of the occupied slots
+  unsigned char* marks_ = nullptr;   // of all slots
   Overflow* overflow_ = nullptr;     // null while it is empty
 };
 

@@ -39,19 +39,22 @@ void ZmExpression::_each(Node* root, Visit visit) {
 }
 
 // Needs neither recursion nor memory: each first child is turned above its parent, until the tree
-// is a chain of second children.
+// is a chain of second children. The leaves go first: so blocks return to the pool in the order in
+// which a parser takes them, and trees that are made again and again don't get scattered.
 void ZmExpression::_destroy(ZmExpression* tree) {
-  while (tree) {
-    if (ZmExpression* a = tree->a_) {
-      tree->a_ = a->b_;
-      a->b_ = tree;
-      tree = a;
+  for (ZmExpression** link = &tree; *link;) {
+    ZmExpression* node = *link;
+    ZmExpression* a = node->a_;
+    if (!a) {
+      link = &node->b_;
+    } else if (!a->a_ && !a->b_) {
+      delete std::exchange(node->a_, nullptr);
     } else {
-      ZmExpression* rest = std::exchange(tree->b_, nullptr);
-      delete tree;
-      tree = rest;
+      node->a_ = std::exchange(a->b_, node);
+      *link = a;
     }
   }
+  while (tree) delete std::exchange(tree, std::exchange(tree->b_, nullptr));
 }
 
 ZmExpression::ZmExpression(const ZmExpression& other) : ZmPack(other) { copy(other); }

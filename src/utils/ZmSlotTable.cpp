@@ -107,10 +107,10 @@ ZmSlotTable::Spot ZmSlotTable::seek(Hash key_hash, Text text) const {
     if (marks_[at] != mark || (hashes_[at] != sum && mark != kZero)) return false;
     const std::string_view held = view(*keys_[at]);
     const std::string_view sought = text();
-    if (held.size() != sought.size()) return false;
+    if (mark != kZero) return held == sought;
     // A zero byte ends a comparison.
-    if (mark == kZero) return std::strncmp(held.data(), sought.data(), held.size()) == 0;
-    return std::memcmp(held.data(), sought.data(), held.size()) == 0;
+    return held.size() == sought.size() &&
+           std::strncmp(held.data(), sought.data(), held.size()) == 0;
   };
   Spot spot;
   for (int probe = 0; probe < probes(size_); ++probe) {

@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "ZmExpressionList.h"
 #include "ZmText.h"
 
 namespace {
@@ -342,16 +341,6 @@ TEST(ZmExpression, DisplaysANodeALine) {
   testing::internal::CaptureStdout();
   expression.display(1);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), " +\n   1\n   *\n     2\n     --\n       x\n");
-}
-
-TEST(ZmExpression, ListsCopyTrees) {
-  ZmExpressionList list;
-  list.push(new ZmExpression);
-  list.get(0)->parse("1 + 2", kInfix);
-  const ZmExpressionList copy(list);
-  list.get(0)->a()->name("5");
-  EXPECT_EQ(shown(copy.get(0)), "(+ 1 2)");
-  EXPECT_EQ(list.type(), 66);
 }
 
 // Depth follows the input; the stack must not.

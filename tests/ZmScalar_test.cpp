@@ -102,6 +102,7 @@ TEST(ZmScalar, BinaryOperators) {
   }
 }
 
+// "op a result"; of a string only the kind is set.
 TEST(ZmScalar, UnaryOperators) {
   const char* const rows[] = {"! 0 i1",
                               "not 5 i0",
@@ -115,7 +116,7 @@ TEST(ZmScalar, UnaryOperators) {
                               "-- 1.5 f-1.500000",
                               "- 0.0 f-0.000000",
                               "+ 1.5 f0.000000",
-                              "not abc sstale"};  // of a string only the kind is set
+                              "not abc sstale"};
   for (const char* row : rows) {
     const auto field = fields(row);
     ZmScalar a(field[1]), result{ZmString("stale")};

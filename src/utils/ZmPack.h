@@ -90,7 +90,8 @@ class ZmPack : public ZmBase {
   /// @name XML text
   /// @{
 
-  /// Makes the object's XML text, UTF-8, in the buffer: packContents(), packSize().
+  /// Makes the object's XML text, UTF-8, in the buffer: packContents(), packSize(). Objects may
+  /// nest deeper than unpackXML() reads.
   void packXML();
   /// Reads an XML text of `length` bytes: 0 done, 1 it is not well-formed, 2 the outermost element
   /// holds no other, 3 it has another name than typeXML(), 4 refused: a document type (so no entity

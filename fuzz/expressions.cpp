@@ -18,7 +18,7 @@ std::string joined(const ZmStringList& list, const std::string& separator = "") 
   std::string all;
   for (int i = 0; i < list.length(); ++i) {
     if (i > 0) all += separator;
-    all += view(*list.get(i));
+    all += zm_view(*list.get(i));
   }
   return all;
 }
@@ -38,7 +38,7 @@ ZmStringList list(Cut cut, const ZmString& source) {
 }
 
 void cut(const ZmString& source) {
-  const std::string text(view(source)), spaceless = without(text, " \t\r\n");
+  const std::string text(zm_view(source)), spaceless = without(text, " \t\r\n");
   require(joined(list(ZmExpression::commandtokenize, source)) == text);
   require(joined(list(ZmExpression::rangetokenize, source)) == spaceless);
   require(joined(list(ZmExpression::splitspace, source)) == spaceless);
@@ -62,7 +62,7 @@ void cut(const ZmString& source) {
 
   ZmString left, right;
   ZmExpression::splitperiod(source, left, right);
-  const std::string halves = std::string(view(left)) + "." + std::string(view(right));
+  const std::string halves = std::string(zm_view(left)) + "." + std::string(zm_view(right));
   require(halves == text || halves == text + ".");
   ZmString name, value;
   const bool equal = ZmExpression::splitequal(source, name, value);
@@ -77,7 +77,8 @@ bool same(const ZmExpression& one, const ZmExpression& other) {
     const auto [a, b] = pending.back();
     pending.pop_back();
     if (!a && !b) continue;
-    if (!a || !b || view(a->op()) != view(b->op()) || view(a->name()) != view(b->name()))
+    if (!a || !b || zm_view(a->op()) != zm_view(b->op()) ||
+        zm_view(a->name()) != zm_view(b->name()))
       return false;
     pending.emplace_back(a->a(), b->a());
     pending.emplace_back(a->b(), b->b());
@@ -88,7 +89,7 @@ bool same(const ZmExpression& one, const ZmExpression& other) {
 std::string evaluated(ZmExpression& expression) {
   ZmScalar result;
   expression.eval(result);
-  return std::string(view(result.stringvalue()));
+  return std::string(zm_view(result.stringvalue()));
 }
 
 class Names : public ZmReference {

@@ -74,7 +74,7 @@ void checkpattern(const ZmString& pattern) {
     ZmRange::patternsplit(order, pattern, list);
     std::vector<std::string> names(static_cast<std::size_t>(list.length()));
     int i = 0;
-    for (std::string& name : names) name = view(*list.get(i++));
+    for (std::string& name : names) name = zm_view(*list.get(i++));
     std::sort(names.begin(), names.end());
     if (order == 0) first = names;
     require(names == first);

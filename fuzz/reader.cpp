@@ -55,7 +55,7 @@ struct Recursion {
 
   std::string option(const ZmString& section, std::string_view label) {
     const ZmConfig* config = file.config(section);
-    return config ? std::string(view(config->option(zm_string(label)))) : std::string();
+    return config ? std::string(zm_view(config->option(zm_string(label)))) : std::string();
   }
 
   std::string expanded(std::string_view self, std::string_view value) {
@@ -75,7 +75,7 @@ struct Recursion {
       if (qualified) in.take();
       const std::string_view label = zm_value_word(in);
       if (!qualified) {
-        out += word == "_" ? std::string(view(scope)) : option(scope, word);
+        out += word == "_" ? std::string(zm_view(scope)) : option(scope, word);
       } else if (label == "_") {
         out += word;
       } else if (!label.empty() && chain.emplace(word, label).second) {
@@ -97,8 +97,8 @@ void checkvalues(const ZmConfigFile& file) {
     for (int n = 0; n < labels.length(); ++n) {
       const ZmString& value = file.config(name)->option(*labels.get(n));
       Recursion plain{file, name, {}};
-      const std::string expected = plain.expanded(view(name), view(value));
-      if (plain.steps < 50000) require(view(file._value(name, name, value)) == expected);
+      const std::string expected = plain.expanded(zm_view(name), zm_view(value));
+      if (plain.steps < 50000) require(zm_view(file._value(name, name, value)) == expected);
     }
   }
 }
@@ -109,8 +109,8 @@ std::string printed(const ZmConfigFile& file) {
   file.keys(names);
   names.sort();
   for (int i = 0; i < names.length(); ++i) {
-    text += "[" + std::string(view(*names.get(i))) + "]\n";
-    text += view(file.config(*names.get(i))->convert());
+    text += "[" + std::string(zm_view(*names.get(i))) + "]\n";
+    text += zm_view(file.config(*names.get(i))->convert());
   }
   return text;
 }

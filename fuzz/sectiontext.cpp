@@ -17,14 +17,14 @@ bool has(std::string_view text, std::string_view any) {
 
 // Whether section text can express the value: nothing in it is escaped.
 bool writable(const ZmString& value) {
-  for (const char c : view(value))
+  for (const char c : zm_view(value))
     if (c <= 0) return false;
-  return !has(view(value), "\"'{}#\r");
+  return !has(zm_view(value), "\"'{}#\r");
 }
 
 // A template knows no label with a period, and counts braces wherever they stand.
 bool mentionable(const ZmString& label, const ZmString& value) {
-  return !has(view(label), ".{}") && !has(view(value), "{}");
+  return !has(zm_view(label), ".{}") && !has(zm_view(value), "{}");
 }
 
 // The lines of a template whose braces are closed don't run into what is put behind them.
@@ -63,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   constexpr std::string_view block = "# these are not included in the template";
   const ZmString filled = config.usetemplate(zm_string(model));
   const ZmString refilled = config.usetemplate(filled);
-  if (all_mentionable && model.find(block) == model.npos && view(text).find(block) == input.npos)
-    require(view(refilled).find(block) == input.npos);
+  if (all_mentionable && model.find(block) == model.npos && zm_view(text).find(block) == input.npos)
+    require(zm_view(refilled).find(block) == input.npos);
   return 0;
 }

@@ -23,7 +23,7 @@ ZmString packed(ZmPack& pack) {
   return {pack.packContents(), pack.packSize()};
 }
 
-bool same(const ZmString& a, const ZmString& b) { return view(a) == view(b); }
+bool same(const ZmString& a, const ZmString& b) { return zm_view(a) == zm_view(b); }
 
 // 0, or 2 for an object without elements.
 void reads(ZmPack& pack, const ZmString& text) {
@@ -34,7 +34,7 @@ void reads(ZmPack& pack, const ZmString& text) {
 template <class T>
 void unpacked(const ZmString& text) {
   T object;
-  if (view(text).find(view(object.typeXML())) == std::string_view::npos) return;
+  if (zm_view(text).find(zm_view(object.typeXML())) == std::string_view::npos) return;
   const ZmString before = packed(object);
   const bool changed = object.unpackXML(text) == 0;
   const ZmString written = packed(object);

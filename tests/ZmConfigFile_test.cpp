@@ -27,11 +27,11 @@ std::string held(const ZmConfigFile& file) {
   for (int i = 0; i < names.length(); ++i) {
     const ZmConfig& section = *file.config(*names.get(i));
     EXPECT_TRUE(section.name() == *names.get(i));
-    result += "[" + std::string(view(section.name())) + "]";
+    result += "[" + std::string(zm_view(section.name())) + "]";
     const ZmStringList labels = section.optionlist();
     for (int n = 0; n < labels.length(); ++n) {
-      result += std::string(view(*labels.get(n))) + "=";
-      result += std::string(view(section.option(*labels.get(n)))) + ";";
+      result += std::string(zm_view(*labels.get(n))) + "=";
+      result += std::string(zm_view(section.option(*labels.get(n)))) + ";";
     }
   }
   return result;
@@ -232,7 +232,7 @@ TEST(ZmConfigFile, ExpandsReferences) {
                      {"\\$x", "\\1"},
                      {"$x\r$x", "11"}};
   for (const auto& [value, expanded] : rows) {
-    const std::string got(view(file._value("a", "b", value)));
+    const std::string got(zm_view(file._value("a", "b", value)));
     EXPECT_EQ(got, expanded) << value;
   }
   EXPECT_STREQ(file._value("none", "b", "$x.y ${_}z $self.x").value(), ".y }z 2");

@@ -13,7 +13,7 @@ using Strings = std::vector<std::string>;
 
 Strings strings(const ZmStringList& list) {
   Strings all;
-  for (int i = 0; i < list.length(); ++i) all.emplace_back(view(*list.get(i)));
+  for (int i = 0; i < list.length(); ++i) all.emplace_back(zm_view(*list.get(i)));
   return all;
 }
 
@@ -36,16 +36,16 @@ void check(void (*cut)(const ZmString&, ZmStringList&), const std::vector<Cut>& 
 // "(op a b)", a missing child as "_"; a node without name and operator as "()".
 std::string shown(const ZmExpression* node) {
   if (!node) return "_";
-  if (node->name().length() > 0) return std::string(view(node->name()));
+  if (node->name().length() > 0) return std::string(zm_view(node->name()));
   if (node->op().length() == 0) return "()";
-  return "(" + std::string(view(node->op())) + " " + shown(node->a()) + " " + shown(node->b()) +
+  return "(" + std::string(zm_view(node->op())) + " " + shown(node->a()) + " " + shown(node->b()) +
          ")";
 }
 
 std::string evaluated(ZmExpression& expression) {
   ZmScalar result{ZmString("untouched")};
   expression.eval(result);
-  return std::string(view(result.stringvalue()));
+  return std::string(zm_view(result.stringvalue()));
 }
 
 std::string repeated(const char* text, int n, const char* last) {

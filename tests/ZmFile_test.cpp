@@ -30,11 +30,11 @@ std::string bytes(int n) {
 TEST_F(ZmFileTest, LoadGivesBackWhatWasSaved) {
   for (const int n : {0, 1022, 1023, 1024, 2047, 3000, 200000}) {
     EXPECT_TRUE(ZmFile::save(path, zm_string(bytes(n))));
-    EXPECT_EQ(view(ZmFile::load(path)), bytes(n));
+    EXPECT_EQ(zm_view(ZmFile::load(path)), bytes(n));
     EXPECT_EQ(ZmFile::size(path), n);
   }
   ZmFile::append(path, "end");
-  EXPECT_EQ(view(ZmFile::load(path)), bytes(200000) + "end");
+  EXPECT_EQ(zm_view(ZmFile::load(path)), bytes(200000) + "end");
 }
 
 TEST_F(ZmFileTest, MissesAreResults) {
@@ -64,7 +64,7 @@ TEST_F(ZmFileTest, ReadsAPart) {
   ZmFile::save(path, zm_string(bytes(10000)));
   ZmString out;
   EXPECT_EQ(ZmFile::loadpos(path, 1, 9000, out), 9001);
-  EXPECT_EQ(view(out), bytes(10000).substr(1, 9000));
+  EXPECT_EQ(zm_view(out), bytes(10000).substr(1, 9000));
 }
 
 TEST_F(ZmFileTest, TestsAndTouchesCreateFiles) {

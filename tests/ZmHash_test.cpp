@@ -30,7 +30,7 @@ std::vector<std::string> keys(const ZmBaseHash<ZmString>& hash) {
   hash.keys(lent);
   std::vector<std::string> found;
   found.reserve(static_cast<std::size_t>(lent.length()));
-  for (int i = 0; i < lent.length(); ++i) found.emplace_back(view(*lent.get(i)));
+  for (int i = 0; i < lent.length(); ++i) found.emplace_back(zm_view(*lent.get(i)));
   lent.release();
   return found;
 }

@@ -68,7 +68,7 @@ int read(ZmPack& pack, std::string_view text) {
 
 std::string held(const Sample& p) {
   const ZmString numbers = ZmString(" ") + p.i + " " + ZmString(p.l) + " " + int{p.c} + " ";
-  return std::string(view(p.s + numbers + int{p.u} + " " + p.f));
+  return std::string(zm_view(p.s + numbers + int{p.u} + " " + p.f));
 }
 
 // Texts that hold each byte: alone, between others, at the edges of blanks; and some longer ones.
@@ -130,13 +130,13 @@ TEST(ZmPackXML, EveryByteComesBack) {
   ZmStringHash hash;
   for (int i = 0; i < texts.length(); ++i) {
     const ZmString& text = *texts.get(i);
-    EXPECT_EQ(view(*list.get(i)), view(text)) << i;
+    EXPECT_EQ(zm_view(*list.get(i)), zm_view(text)) << i;
     Sample sample, back;
     sample.s = sample.root = back.root = text;
     sample.name = back.name = "n" + text;
     sample.named = "found";
     EXPECT_EQ(read(back, xml(sample)), 0) << i;
-    EXPECT_EQ(view(back.s), view(text)) << i;
+    EXPECT_EQ(zm_view(back.s), zm_view(text)) << i;
     EXPECT_EQ(back.named, "found") << i;
     hash.set(new ZmString(text), text);
     auto* section = new ZmConfig;
@@ -151,7 +151,7 @@ TEST(ZmPackXML, EveryByteComesBack) {
   EXPECT_EQ(xml(read_sections), xml(sections));
   for (int i = 0; i < texts.length(); ++i) {
     ASSERT_TRUE(hashed.get(*texts.get(i)));
-    EXPECT_EQ(view(*hashed.get(*texts.get(i))), view(*hash.get(*texts.get(i)))) << i;
+    EXPECT_EQ(zm_view(*hashed.get(*texts.get(i))), zm_view(*hash.get(*texts.get(i)))) << i;
   }
 }
 
@@ -160,7 +160,8 @@ TEST(ZmPackXML, NumbersComeBack) {
   using Long = std::numeric_limits<long long>;
   using Float = std::numeric_limits<float>;
   for (const float f : {0.0F, -0.0F, 0.1F, 1e-45F, Float::max(), Float::min(), Float::infinity(),
-                        -Float::infinity(), Float::quiet_NaN(), -16777217.0F, 3.4e38F}) {
+                        -Float::infinity(), Float::quiet_NaN(), std::nanf("0x12ab"),
+                        -std::nanf("0x7fffff"), -16777217.0F, 3.4e38F}) {
     Sample sample, back;
     sample.f = f;
     EXPECT_EQ(read(back, xml(sample)), 0);
@@ -288,6 +289,22 @@ TEST(ZmPackXML, SectionsWhoseLabelsDisagreeKeepBoth) {
   EXPECT_EQ(read(back, xml(section)), 0);
   EXPECT_EQ(back.optionlist().join(" "), "b a b");
   EXPECT_EQ(xml(back), xml(section));
+}
+
+TEST(ZmPackXML, SectionsKeepWhatAMalformedMemberWouldReplace) {
+  for (const char* text : {"<options>junk</options>", "<options><item>no key</item></options>",
+                           "<options><item key='a'><b/></item></options>", "<labels>junk</labels>",
+                           "<labels><item><b/></item></labels>", "<address>junk</address>"}) {
+    ZmConfig section;
+    section.option("k", "v");
+    const std::string before = xml(section);
+    EXPECT_EQ(read(section, std::string("<config><x/>") + text + "</config>"), 0);
+    EXPECT_EQ(xml(section), before) << text;
+  }
+  ZmConfig section;
+  section.option("k", "v");
+  EXPECT_EQ(read(section, "<config><options> </options></config>"), 0);
+  EXPECT_EQ(xml(section), xml(*std::make_unique<ZmConfig>()));
 }
 
 TEST(ZmPackXML, HashesAreWrittenByKey) {

@@ -20,7 +20,7 @@ std::string shown(ZmScalar& scalar) {
   ZmScalar negated;
   ZmScalar one(1);
   ZmScalar::eval("-", scalar, negated);
-  const std::string value(view(scalar.stringvalue()));
+  const std::string value(zm_view(scalar.stringvalue()));
   if (negated.stringvalue() == ZmString()) return "s" + value;
   ZmScalar::eval("==", scalar, one, negated);
   return (negated.stringvalue().haschar('.') ? "f" : "i") + value;

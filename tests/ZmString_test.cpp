@@ -23,7 +23,7 @@ namespace {
 // Virtual table, buffer, length and the empty text, capacity and flag.
 static_assert(sizeof(ZmString) == sizeof(void*) * 2 + sizeof(int) * 4);
 
-std::string text(const ZmString& s) { return std::string(view(s)); }
+std::string text(const ZmString& s) { return std::string(zm_view(s)); }
 
 std::string shown(const ZmString& s) { return s.isundef() ? "undefined" : "'" + text(s) + "'"; }
 

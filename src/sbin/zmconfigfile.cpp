@@ -19,10 +19,10 @@ void print(const ZmConfig& section) {
   for (int i = 0; i < labels.length(); ++i) {
     const ZmString& value = section._optionat(i);
     const std::string_view quote("\"", value.hasspace() ? 1 : 0);
-    out.write(view(*labels.get(i)));
+    out.write(zm_view(*labels.get(i)));
     out.write(" = ");
     out.write(quote);
-    out.write(view(value));
+    out.write(zm_view(value));
     out.write(quote);
     out.write('\n');
   }
@@ -34,7 +34,7 @@ void print(const ZmConfigFile& file) {
   names.sort();
   for (int i = 0; i < names.length(); ++i) {
     output().write('[');
-    output().write(view(*names.get(i)));
+    output().write(zm_view(*names.get(i)));
     output().write("]\n");
     print(*file.config(*names.get(i)));
   }
@@ -60,7 +60,7 @@ int run(int argc, char** argv) {
       print(path);
     } else {
       output().write("WARNING: file ");
-      output().write(view(path));
+      output().write(zm_view(path));
       output().write(" is unreadable or doesn't exist.\n");
     }
   }

@@ -48,7 +48,7 @@ void ZmAddress::decodeXML() {
 }
 
 void ZmAddress::copy(const ZmString& text) {
-  ZmCursor in(view(text));
+  ZmCursor in(zm_view(text));
   std::uint32_t value = 0;
   for (int i = 0; i < 4; ++i) {
     value = value << 8 | (zm_digits(in).value & 0xff);
@@ -85,7 +85,7 @@ ZmString ZmAddress::hexvalue() const {
 }
 
 unsigned char ZmAddress::isaddress(const ZmString& text) {
-  ZmCursor in(view(text));
+  ZmCursor in(zm_view(text));
   for (int i = 0; i < 4; ++i)
     if ((i > 0 && !in.accept('.')) || !isoctet(in)) return 0;
   return in.eof();

@@ -30,7 +30,7 @@ class ZmBaseHash {
 
   /// The hash of a key: each byte, as a signed number, times 7 to the power of its position; wraps.
   unsigned int _key(const ZmString& key) const {
-    return static_cast<unsigned int>(ZmSlotTable::hash(view(key)));
+    return static_cast<unsigned int>(ZmSlotTable::hash(zm_view(key)));
   }
   /// The value stored under the key, lent; null when there is none.
   T* get(const ZmString& key) const { return static_cast<T*>(table_.get(key)); }

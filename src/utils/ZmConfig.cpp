@@ -41,8 +41,12 @@ const ZmString& ZmConfig::_optionat(int i) const {
 
 void ZmConfig::option(const ZmString& label, const ZmString& value) {
   _place(
-      view(label), ZmSlotTable::hash(view(label)), [&] { return new ZmString(value); },
-      [&](ZmString& stored) { stored = value; });
+      zm_view(label), ZmSlotTable::hash(zm_view(label)), [&] { return new ZmString(value); },
+      [&](ZmString& stored) {
+        if (value.isundef()) return false;  // an assignment leaves a text defined
+        stored = value;
+        return true;
+      });
 }
 
 int ZmConfig::_store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value) {
@@ -52,6 +56,7 @@ int ZmConfig::_store(std::string_view label, ZmSlotTable::Hash hash, std::string
       [&](ZmString& stored) {
         stored.clear();  // an empty text may have no bytes at all, which copy() would ignore
         stored.copy(value.data(), count);
+        return true;
       });
 }
 
@@ -64,10 +69,8 @@ int ZmConfig::_place(std::string_view label, ZmSlotTable::Hash hash, Make make, 
     // Written over where it stands, as if it were replaced. But a secure text has to be wiped, and
     // an equal label with other bytes behind a zero byte takes the place of the old one.
     auto* stored = static_cast<ZmString*>(table.value(spot.found));
-    if (stored && !stored->secure() && label.find('\0') == label.npos) {
-      assign(*stored);
-      return -1;
-    }
+    const bool plain = stored && !stored->secure() && label.find('\0') == label.npos;
+    if (plain && assign(*stored)) return -1;
   }
   const bool known = spot.found >= 0 || options_._get(label, hash) != nullptr;
   ZmString* value = make();
@@ -139,10 +142,9 @@ void ZmConfig::encode() {
 }
 
 void ZmConfig::decode() {
-  constexpr int kNested = 4;
   values_.release();
-  if (_code() == kNested && _tag() == kLabels) labels_.clear();
-  if (_code() == kNested && _tag() == kOptions) options_.clear();
+  if (_offers(kLabels, labels_)) labels_.clear();
+  if (_offers(kOptions, options_)) options_.clear();
   restore(kAddress, address_);
   restore(kLabels, labels_);
   restore(kOptions, options_);

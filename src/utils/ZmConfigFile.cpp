@@ -1,6 +1,8 @@
 #include "ZmConfigFile.h"
 
 #include <iostream>
+#include <string>
+#include <string_view>
 
 #include "ZmConfigReader.h"
 #include "ZmExpander.h"
@@ -14,11 +16,15 @@ ZmConfigFile::ZmConfigFile(const ZmString& path, unsigned char lowercase) : lowe
 int ZmConfigFile::type() const { return 80; }
 
 void ZmConfigFile::parse(const ZmString& text) {
-  ZmConfigReader(sections_, default_section_, lowercase_ != 0, view(text)).run();
+  // The text may be an option of a section here, which reading it can change.
+  std::string own;
+  if (sections_._table().entries() > 0) own = zm_view(text);
+  const std::string_view source = own.empty() ? zm_view(text) : own;
+  ZmConfigReader(sections_, default_section_, lowercase_ != 0, source).run();
 }
 
 void ZmConfigFile::tokenize(const ZmString& text, ZmStringList& tokens) const {
-  ZmConfigScanner scanner(view(text));
+  ZmConfigScanner scanner(zm_view(text));
   for (ZmConfigToken token; scanner.next(token);) tokens.push(new ZmString(zm_string(token.text)));
 }
 
@@ -42,14 +48,16 @@ void ZmConfigFile::display() const {
 }
 
 void ZmConfigFile::stringtokenize(const ZmString& text, ZmStringList& tokens) const {
-  for (ZmCursor in(view(text)); !in.eof();) tokens.push(new ZmString(zm_string(zm_value_word(in))));
+  for (ZmCursor in(zm_view(text)); !in.eof();)
+    tokens.push(new ZmString(zm_string(zm_value_word(in))));
 }
 
 ZmString ZmConfigFile::_localvalue(const ZmString& section, const ZmString& value) const {
-  return zm_string(zm_local_value(view(section), view(value)));
+  return zm_string(zm_local_value(zm_view(section), zm_view(value)));
 }
 
 ZmString ZmConfigFile::_value(const ZmString& scope, const ZmString& self,
                               const ZmString& value) const {
-  return zm_string(ZmExpander(sections_).expand(view(scope), view(self), view(value), nullptr));
+  return zm_string(
+      ZmExpander(sections_).expand(zm_view(scope), zm_view(self), zm_view(value), nullptr));
 }

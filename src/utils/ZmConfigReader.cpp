@@ -61,7 +61,7 @@ void ZmConfigReader::header() {
   for (int depth = 0; more_ && !(token_.is(']') && depth == 0); advance()) {
     if (token_.is('[')) ++depth;
     if (token_.is(']')) --depth;
-    append(name, token_.text);
+    zm_append(name, token_.text);
   }
   if (more_) advance();
   flush();
@@ -73,7 +73,7 @@ void ZmConfigReader::header() {
   for (int i = 0; i < names.length(); ++i) current_.push_back(section(*names.get(i)));
   if (more_ && token_.is(':')) {
     advance();
-    parents(view(name));
+    parents(zm_view(name));
   }
 }
 
@@ -98,10 +98,10 @@ void ZmConfigReader::inherit(const ZmConfig& parent) {
   });
   for (int i = 0; i < parent.labels_.length(); ++i) {
     const ZmString& label = *parent.labels_.get(i);
-    const std::string_view value = view(parent._optionat(i));
+    const std::string_view value = zm_view(parent._optionat(i));
     // Of its own options a section keeps the texts, which it would destroy while storing them.
-    waiting_.push_back({own ? kept(std::string(view(label))) : view(label),
-                        own ? kept(std::string(value)) : value, ZmSlotTable::hash(view(label)),
+    waiting_.push_back({own ? kept(std::string(zm_view(label))) : zm_view(label),
+                        own ? kept(std::string(value)) : value, ZmSlotTable::hash(zm_view(label)),
                         hasreference(value), false});
   }
   flush();
@@ -175,7 +175,7 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
   ZmConfig& config = *target.config;
   int label = -1;
   if (option.local) {
-    const std::string value = zm_local_value(view(config.name()), option.value);
+    const std::string value = zm_local_value(zm_view(config.name()), option.value);
     label = config._store(option.label, option.hash, value);
   } else {
     label = config._store(option.label, option.hash, option.value);
@@ -190,8 +190,8 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
 
 // The section of this name, made when there is none.
 ZmConfigReader::Target ZmConfigReader::section(const ZmString& name) {
-  const ZmSlotTable::Hash hash = ZmSlotTable::hash(view(name));
-  if (ZmConfig* known = sections_._get(view(name), hash)) return {known, kOld};
+  const ZmSlotTable::Hash hash = ZmSlotTable::hash(zm_view(name));
+  if (ZmConfig* known = sections_._get(zm_view(name), hash)) return {known, kOld};
   auto config = std::make_unique<ZmConfig>();
   config->name(name);
   ZmConfig* made = config.get();
@@ -223,9 +223,9 @@ void ZmConfigReader::expand() {
 
 void ZmConfigReader::expand(ZmExpander& expander, const ZmConfig& config, int label) {
   const ZmString& value = config._optionat(label);
-  if (!hasreference(view(value))) return;
-  const std::string_view section = view(config.name());
-  const std::string_view result = expander.expand(section, section, view(value), &value);
+  if (!hasreference(zm_view(value))) return;
+  const std::string_view section = zm_view(config.name());
+  const std::string_view result = expander.expand(section, section, zm_view(value), &value);
   const_cast<ZmString&>(value).copy(result.data(), static_cast<int>(result.size()));
   expander.replaced();
 }

@@ -180,7 +180,7 @@ ZmString ZmConfig::loadtemplate(const ZmString& path) const {
 ZmString ZmConfig::usetemplate(const ZmString& text) const {
   ZmString result;
   std::unordered_set<const ZmString*> used;  // the values that have been written
-  for (ZmCursor in(view(text)); !in.eof();) {
+  for (ZmCursor in(zm_view(text)); !in.eof();) {
     const std::string_view line = templateline(in);
     const auto label = templatelabel(line);
     const ZmString* value = label ? _find(*label) : nullptr;
@@ -188,7 +188,7 @@ ZmString ZmConfig::usetemplate(const ZmString& text) const {
       if (used.insert(value).second) zm_append_option(result, zm_string(*label), *value);
     } else if (line != kNotIncluded) {
       if (label && line[0] != '#') result.append('#');
-      append(result, line);
+      zm_append(result, line);
       result.append('\n');
     }
   }
@@ -196,7 +196,7 @@ ZmString ZmConfig::usetemplate(const ZmString& text) const {
   for (int i = 0; i < labels_.length(); ++i)
     if (!used.contains(&_optionat(i))) zm_append_option(unused, *labels_.get(i), _optionat(i));
   if (unused.length() > 0) {
-    append(result, kNotIncluded);
+    zm_append(result, kNotIncluded);
     result.append('\n');
     result += unused;
   }

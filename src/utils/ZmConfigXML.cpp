@@ -26,11 +26,19 @@ class Ordered : public ZmPack {
     for (int i = 0; i < labels_.length(); ++i)
       _storeItem(labels_.get(i), *values_[static_cast<std::size_t>(i)]);
   }
+  // Replaces both, unless there is nothing to replace them by.
   void decodeXML() override {
+    bool cleared = false;
+    for (int at = 0; ZmPackObj* item = _item(at);) {
+      if (!item->key() || !item->text()) continue;
+      if (!cleared) clear();
+      cleared = true;
+      _add(item->takekey(), item->taketext());
+    }
+  }
+  void clear() {
     labels_.clear();
     options_.clear();
-    for (int at = 0; ZmPackObj* item = _item(at);)
-      if (item->key() && item->text()) _add(item->takekey(), item->taketext());
   }
 
  private:
@@ -38,12 +46,12 @@ class Ordered : public ZmPack {
     auto label = std::make_unique<ZmString>();
     label->_resize(key->length() + 1);
     label->copy(*key);
-    const auto hash = ZmSlotTable::hash(view(*label));
+    const auto hash = ZmSlotTable::hash(zm_view(*label));
     ZmSlotTable& table = options_._table();
-    if (table.fill(table.locate(view(*key), hash), value.get(), key.get(), hash)) {
+    if (table.fill(table.locate(zm_view(*key), hash), value.get(), key.get(), hash)) {
       labels_.push(label.release());
     } else {
-      if (!options_._get(view(*label), hash)) labels_.push(label.release());
+      if (!options_._get(zm_view(*label), hash)) labels_.push(label.release());
       options_._set(value.get(), key.get(), hash);
     }
     value.release();
@@ -70,7 +78,7 @@ bool ordered(const ZmStringList& labels, const ZmStringHash& options, Values& va
   for (int i = 0; i < keys; ++i) {
     const ZmString& label = *labels.get(i);
     values.push_back(options.get(label));
-    if (!values.back() || view(label).find('\0') != std::string_view::npos) return false;
+    if (!values.back() || zm_view(label).find('\0') != std::string_view::npos) return false;
   }
   return distinct(values);
 }
@@ -93,7 +101,9 @@ void ZmConfig::decodeXML() {
   restoreXML(kName, name_);
   restoreXML(kAddress, address_);
   Ordered options(labels_, options_);
+  if (_insideXML(kOptions) == 0) options.clear();
   restoreXML(kOptions, options);
-  if (_hasXML(kLabels)) labels_.clear();
-  restoreXML(kLabels, labels_);
+  ZmStringList labels;
+  restoreXML(kLabels, labels);
+  if (labels.length() > 0 || _insideXML(kLabels) == 0) labels_ = labels;
 }

@@ -5,6 +5,7 @@
 #include <ctime>
 #include <fstream>
 #include <iostream>
+#include <utility>
 
 #include "ZmFile.h"
 
@@ -14,11 +15,24 @@ constexpr int kWeeks = 53;  // files of one year, the last one for the odd days
 constexpr const char* kMonths[] = {"Jan ", "Feb ", "Mar ", "Apr ", "May ", "Jun ",
                                    "Jul ", "Aug ", "Sep ", "Oct ", "Nov ", "Dec "};
 
-// Set up at compile time, so that static constructors of other files can log. The file is closed
-// at exit, after the object that writes to it.
-constinit std::unique_ptr<std::ofstream> _zm_debug_ofs;
-constinit ZmDebug _zm_debug_global_obj;
+// Set up at compile time and never destroyed, so that static constructors and destructors of other
+// files can log.
+constinit std::ofstream* _zm_debug_ofs = nullptr;
+constinit union Global {
+  constexpr Global() : object() {}
+  ~Global() {}
+  ZmDebug object;
+} _zm_debug_global_obj;
 constinit int _zm_debug_verbosity = ~4096;
+
+// Closes the file at exit. Who logs later gets each piece written at once.
+constinit bool _zm_debug_exiting = false;
+struct AtExit {
+  ~AtExit() {
+    _zm_debug_exiting = true;
+    _zm_debug_global_obj.object.unlock();
+  }
+} const at_exit;
 
 // Static constructors may get here before the standard streams are set up for this file.
 std::ostream& standardoutput() {
@@ -62,10 +76,10 @@ ZmString prefix(const std::tm& local) {
 
 void ZmDebug::filename(const ZmString& name) { filename_ = std::make_unique<ZmString>(name); }
 
-void ZmDebug::unlock() { _zm_debug_ofs.reset(); }
+void ZmDebug::unlock() { delete std::exchange(_zm_debug_ofs, nullptr); }
 
 std::ostream* ZmDebug::_stream() {
-  if (_zm_debug_ofs) return _zm_debug_ofs.get();
+  if (_zm_debug_ofs) return _zm_debug_ofs;
   if ((mode_ != 0 && mode_ != 1) || !filename_ || filename_->length() == 0) return nullptr;
   ZmString name(*filename_);
   if (mode_ == 1) {
@@ -75,8 +89,7 @@ std::ostream* ZmDebug::_stream() {
     name += local.tm_yday / 7;
   }
   // Kept even when it can't be opened: it then swallows what is written.
-  _zm_debug_ofs = std::make_unique<std::ofstream>(name.value(), std::ios::app);
-  return _zm_debug_ofs.get();
+  return _zm_debug_ofs = new std::ofstream(name.value(), std::ios::app);
 }
 
 ZmDebug& ZmDebug::mark() {
@@ -88,6 +101,7 @@ template <class T>
 ZmDebug& ZmDebug::_write(const T& value) {
   std::ostream* stream = _stream();
   (stream ? *stream : standardoutput()) << value;
+  if (_zm_debug_exiting) unlock();
   return *this;
 }
 
@@ -99,13 +113,13 @@ ZmDebug& ZmDebug::operator<<(long long value) { return _write(value); }
 ZmDebug& ZmDebug::operator<<(float value) { return _write(value); }
 ZmDebug& ZmDebug::operator<<(char value) { return _write(value); }
 
-ZmDebug& zm_debug_obj() { return _zm_debug_global_obj; }
+ZmDebug& zm_debug_obj() { return _zm_debug_global_obj.object; }
 int zm_debug_verb() { return _zm_debug_verbosity; }
 void zm_debug_verbosity(int mask) { _zm_debug_verbosity = mask; }
 
 void zm_debug_filename(const ZmString& name, int mode) {
-  _zm_debug_global_obj.mode(mode);
-  _zm_debug_global_obj.filename(name);
+  zm_debug_obj().mode(mode);
+  zm_debug_obj().filename(name);
 }
 
 void zm_debug_logfiles(const ZmString& base, ZmStringList& list) {

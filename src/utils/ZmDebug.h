@@ -44,8 +44,11 @@ class ZmDebug {
   ZmDebug& operator<<(int value);              ///< A number.
   ZmDebug& operator<<(unsigned int value);     ///< A number.
   ZmDebug& operator<<(long long value);        ///< A number.
-  ZmDebug& operator<<(float value);            ///< A number.
-  ZmDebug& operator<<(char value);             ///< A character.
+  ZmDebug& operator<<(long value) {
+    return *this << static_cast<long long>(value);
+  }                                  ///< A number; what std::int64_t may be.
+  ZmDebug& operator<<(float value);  ///< A number.
+  ZmDebug& operator<<(char value);   ///< A character.
 
   /// @}
 
@@ -58,7 +61,8 @@ class ZmDebug {
   int mode_ = 0;
 };
 
-/// The one object of the process. Ready before any static constructor runs.
+/// The one object of the process. Ready before any static constructor and until the last static
+/// destructor runs.
 ZmDebug& zm_debug_obj();
 /// The verbosity, a mask whose bits the callers define; all but 4096 are set at the start.
 int zm_debug_verb();

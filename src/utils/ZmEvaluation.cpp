@@ -100,7 +100,7 @@ void ZmEvaluation::_keep(ZmExpression& node, Value value) {
 }
 
 ZmEvaluation::Value ZmEvaluation::_read(const ZmString& text) {
-  ZmCursor in(view(text));
+  ZmCursor in(zm_view(text));
   const ZmDigits digits = zm_digits(in);
   if (in.eof() && digits.count > 0 && digits.count < 10)  // the usual number, which can't overflow
     return {kInteger, static_cast<int>(digits.value)};

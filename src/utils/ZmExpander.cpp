@@ -110,8 +110,8 @@ void ZmExpander::unqualified(Frame& frame, std::string_view word, bool braced) {
   if (word == "_") {
     append(scope_);
   } else if (const ZmString* value = scope_section_->_find(word)) {
-    append(view(*value));
-    if (hasreference(view(*value))) node(*scope_section_, word, *value).copied = true;
+    append(zm_view(*value));
+    if (hasreference(zm_view(*value))) node(*scope_section_, word, *value).copied = true;
   }
   // The word behind is always consumed, whatever it is, and a "}" behind that closes the braces.
   zm_value_word(frame.in);
@@ -120,8 +120,8 @@ void ZmExpander::unqualified(Frame& frame, std::string_view word, bool braced) {
 
 bool ZmExpander::refer(Frame& frame, const ZmConfig& config, std::string_view label,
                        const ZmString& value) {
-  if (!hasreference(view(value))) {
-    write(frame, view(value));
+  if (!hasreference(zm_view(value))) {
+    write(frame, zm_view(value));
     return false;
   }
   Node& named = node(config, label, value);
@@ -148,7 +148,7 @@ ZmExpander::Node& ZmExpander::node(const ZmConfig& config, std::string_view labe
   const auto [at, made] = nodes_.try_emplace(&value);
   Node& node = at->second;
   if (made) {
-    node.section = view(config.name());
+    node.section = zm_view(config.name());
     node.label = label;
     node.value = &value;
   }
@@ -177,7 +177,7 @@ void ZmExpander::recall(Frame& frame, const Node& node) {
 void ZmExpander::enter(Node& node) {
   if (node.tangle >= 0) ++open_[static_cast<std::size_t>(node.tangle)];
   node.depth = chain_.size();
-  chain_.emplace_back(&node, node.section, view(*node.value), out_.size()).tangled =
+  chain_.emplace_back(&node, node.section, zm_view(*node.value), out_.size()).tangled =
       tangled_.size();
 }
 

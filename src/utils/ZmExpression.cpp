@@ -128,14 +128,14 @@ void ZmExpression::_changed() {
 }
 
 void ZmExpression::_operator(const ZmOperator* known) {
-  append(op_, known->name);
+  zm_append(op_, known->name);
   operator_ = known;
 }
 
 void ZmExpression::op(const ZmString& op) {
   _changed();
   op_ = op;
-  operator_ = zm_operator(view(op_));
+  operator_ = zm_operator(zm_view(op_));
 }
 
 void ZmExpression::value(const ZmString& value) {
@@ -194,7 +194,7 @@ unsigned char ZmExpression::valueparse(const ZmString& text) {
 // Without a list: infix and postfix take the tokens as they come.
 bool ZmExpression::_parse(const ZmString& text, ZmSyntax syntax, int notation) {
   ZmExpressionParser parser(*this);
-  ZmTokens in(view(text), syntax);
+  ZmTokens in(zm_view(text), syntax);
   for (std::string_view token; in.next(token);) {
     if (notation == kPostfix) {
       parser.postfix(token);
@@ -211,15 +211,15 @@ unsigned char ZmExpression::_parse(ZmStringList& tokens, int notation) {
   for (int i = 0; i < n; ++i) {
     ZmString& token = *tokens.get(notation == kPrefix ? n - 1 - i : i);
     if (notation == kPrefix || notation == kPostfix) {
-      parser.postfix(view(token));
-    } else if (parser.infix(view(token))) {
+      parser.postfix(zm_view(token));
+    } else if (parser.infix(zm_view(token))) {
       token = "--";
     }
   }
   return parser.finish();
 }
 
-int ZmExpression::precedence(const ZmString& op) { return zm_operator(view(op))->precedence; }
+int ZmExpression::precedence(const ZmString& op) { return zm_operator(zm_view(op))->precedence; }
 
 bool ZmExpression::_unary() const { return operator_ && operator_->unary(); }
 
@@ -271,7 +271,7 @@ void ZmExpression::display(int indent) const {
     const auto [node, at] = pending.pop();
     const bool leaf = node->name_.length() > 0;
     indentation(at);
-    std::cout << view(leaf ? node->name_ : node->op_) << '\n';
+    std::cout << zm_view(leaf ? node->name_ : node->op_) << '\n';
     if (leaf) continue;
     if (node->b_) pending.push({node->b_, at + 2});
     if (node->a_) pending.push({node->a_, at + 2});
@@ -279,27 +279,27 @@ void ZmExpression::display(int indent) const {
 }
 
 void ZmExpression::tokenize(const ZmString& source, ZmStringList& tokens) {
-  zm_tokenize(view(source), ZmSyntax::kExpression, tokens);
+  zm_tokenize(zm_view(source), ZmSyntax::kExpression, tokens);
 }
 
 void ZmExpression::callbacktokenize(const ZmString& source, ZmStringList& tokens) {
-  zm_tokenize(view(source), ZmSyntax::kCallback, tokens);
+  zm_tokenize(zm_view(source), ZmSyntax::kCallback, tokens);
 }
 
 void ZmExpression::valuetokenize(const ZmString& source, ZmStringList& tokens) {
-  zm_tokenize(view(source), ZmSyntax::kValue, tokens);
+  zm_tokenize(zm_view(source), ZmSyntax::kValue, tokens);
 }
 
 void ZmExpression::rangetokenize(const ZmString& source, ZmStringList& tokens) {
-  zm_tokenize_range(view(source), tokens);
+  zm_tokenize_range(zm_view(source), tokens);
 }
 
 void ZmExpression::commandtokenize(const ZmString& source, ZmStringList& tokens) {
-  zm_tokenize_command(view(source), tokens);
+  zm_tokenize_command(zm_view(source), tokens);
 }
 
 void ZmExpression::split(const ZmString& source, ZmStringList& elements) {
-  zm_split(view(source), elements);
+  zm_split(zm_view(source), elements);
 }
 
 void ZmExpression::split(const ZmString& source, ZmStringHash& elements) {
@@ -309,7 +309,7 @@ void ZmExpression::split(const ZmString& source, ZmStringHash& elements) {
 }
 
 void ZmExpression::splitcomma(const ZmString& source, ZmStringList& elements) {
-  zm_split_comma(view(source), elements);
+  zm_split_comma(zm_view(source), elements);
 }
 
 void ZmExpression::splitslash(const ZmString& source, ZmStringList& elements) {
@@ -321,21 +321,21 @@ void ZmExpression::splittab(const ZmString& source, ZmStringList& elements) {
 }
 
 void ZmExpression::splitchar(const ZmString& source, char separator, ZmStringList& elements) {
-  zm_split_char(view(source), separator, elements);
+  zm_split_char(zm_view(source), separator, elements);
 }
 
 void ZmExpression::splitspace(const ZmString& source, ZmStringList& elements) {
-  zm_split_space(view(source), elements);
+  zm_split_space(zm_view(source), elements);
 }
 
 void ZmExpression::splitperiod(const ZmString& source, ZmString& left, ZmString& right) {
-  zm_split_period(view(source), left, right);
+  zm_split_period(zm_view(source), left, right);
 }
 
 unsigned char ZmExpression::splitequal(const ZmString& source, ZmString& left, ZmString& right) {
-  return zm_split_equal(view(source), left, right);
+  return zm_split_equal(zm_view(source), left, right);
 }
 
 unsigned char ZmExpression::splitbecomes(const ZmString& source, ZmString& left, ZmString& right) {
-  return zm_split_becomes(view(source), left, right);
+  return zm_split_becomes(zm_view(source), left, right);
 }

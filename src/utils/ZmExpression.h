@@ -196,7 +196,7 @@ class ZmExpression : public ZmPack {
   bool folded_ = false;                   // whether some folded tree contains the node
   int integer_ = 0;                       // the constant, when it is an integer
   float float_ = 0;                       // the constant, when it is a float
-  std::uint64_t foldedat_ = 0;            // when the tree below was folded; see ZmEvaluation.h
+  std::uint64_t foldedat_ = 0;            // when the tree below was folded
 };
 
 #endif

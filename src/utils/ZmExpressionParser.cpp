@@ -20,7 +20,7 @@ ZmExpressionParser::Node ZmExpressionParser::_pop() {
 
 void ZmExpressionParser::_operand(std::string_view token) {
   Node leaf = _node();
-  append(leaf->name_, token);
+  zm_append(leaf->name_, token);
   operands_.push_back(std::move(leaf));
   operandexpected_ = false;
 }

@@ -135,12 +135,12 @@ unsigned char ZmFile::chmod(const ZmString& path, unsigned short mode) {
 }
 
 ZmString ZmFile::filename(const ZmString& path) {
-  const auto text = view(path);
+  const auto text = zm_view(path);
   return zm_string(text.substr(text.rfind('/') + 1));  // without a slash: from 0 on
 }
 
 ZmString ZmFile::dirbase(const ZmString& path) {
-  const auto text = view(path);
+  const auto text = zm_view(path);
   const auto slash = text.rfind('/');
   return slash == std::string_view::npos ? ZmString() : zm_string(text.substr(0, slash));
 }

@@ -94,6 +94,7 @@ class ZmFile : public ZmPack {
  private:
   static int _file_unique;
 
+  ZmString unused_;  // holds a place: derived classes are built against the layout
   ZmString name_;
   ZmString source_;
   ZmString data_;

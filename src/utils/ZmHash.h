@@ -65,7 +65,7 @@ class ZmHash : public ZmBaseHash<T>, public ZmPack {
     this->_table().each([&entries](ZmString* key, void* value) {
       entries.emplace_back(key, static_cast<T*>(value));
     });
-    std::ranges::stable_sort(entries, {}, [](const auto& entry) { return view(*entry.first); });
+    std::ranges::stable_sort(entries, {}, [](const auto& entry) { return zm_view(*entry.first); });
     for (const auto& [key, value] : entries) {
       if (value) {
         _storeItem(key, *value);

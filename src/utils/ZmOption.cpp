@@ -18,5 +18,5 @@ void ZmOption::copy(const ZmOption& other) {
 }
 
 int ZmOption::match(const ZmString& s) const {
-  return view(name_).starts_with(view(s)) ? s.length() : 0;
+  return zm_view(name_).starts_with(zm_view(s)) ? s.length() : 0;
 }

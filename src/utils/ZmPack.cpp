@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <iostream>
 #include <memory>
 #include <new>
 #include <utility>
@@ -124,6 +125,17 @@ void ZmPack::store(int tag, ZmPack& value) {
   zm_put_big_endian(buffer_ + from - 4, used_ - from);
 }
 
+void ZmPack::_debug_print() const {
+  constexpr int kLine = 16;  // bytes of a line
+  std::cout << "ZmPack:\n\tsize: " << capacity_ << "\n\tlength: " << used_ << "\n\tdata:";
+  for (int i = 0; buffer_ && i < used_; ++i) {
+    ZmString byte(i % kLine == 0 ? "\n\t\t" : " ");
+    byte.hexvalue(static_cast<char>(buffer_[i]));
+    std::cout << byte;
+  }
+  std::cout << '\n';
+}
+
 void ZmPack::pack() {
   used_ = 0;  // the room of the record before serves again
   zm_put_big_endian(_room(4), kVersion);
@@ -239,6 +251,12 @@ void ZmPack::restore(int tag, ZmPack& value) {
   value.depth_ = 0;
 }
 
+bool ZmPack::_offers(int tag, const ZmPack& value) const {
+  if (consumed_ || tag_ != tag || code_ != kNested || used_ < 8 || depth_ >= kDeepest) return false;
+  const int length = zm_get_big_endian<int>(cursor_ + 4);
+  return zm_get_big_endian<int>(cursor_) == value.type() && length >= 0 && length <= used_ - 8;
+}
+
 void ZmPack::trashObj(int tag) {
   int type = 0;
   if (!_take(tag, kNested, type)) return;
@@ -251,7 +269,7 @@ void ZmPack::_yank() {
   switch (code_) {
     case kInt:
     case kFloat:
-      _bytes(4);
+      consumed_ = _bytes(4) != nullptr;
       break;
     case kNested:
       trashObj(tag_);
@@ -263,7 +281,7 @@ void ZmPack::_yank() {
     }
     case kChar:
     case kByte:
-      _bytes(1);
+      consumed_ = _bytes(1) != nullptr;
       break;
     default:  // a 64-bit field that nobody took ends the record: readers rely on it
       _bytes(used_);

@@ -46,7 +46,7 @@ class ZmPackObj;
 ///     </config>
 ///
 /// - Numbers are decimal; a float has the fewest digits that give its bits back, or is "inf",
-///   "-inf", "nan" or "-nan". A char is a text of one byte.
+///   "-inf", "nan" or "-nan", which has unusual bits in parentheses. A char is a text of one byte.
 /// - A text stands as it is, markup escaped. One that XML 1.0 can't carry (control characters,
 ///   bytes that are no UTF-8) stands as base64 (RFC 4648) with encoding="base64". Every byte comes
 ///   back.
@@ -85,6 +85,7 @@ class ZmPack : public ZmBase {
   /// Unpacks a file. The number of bytes read, or 0 when it is no readable regular file or
   /// unpack() failed.
   int recover(const ZmString& path);
+  void _debug_print() const;  ///< Prints the buffer in hexadecimal on standard output.
   /// @}
 
   /// @name XML text
@@ -94,9 +95,9 @@ class ZmPack : public ZmBase {
   /// nest deeper than unpackXML() reads.
   void packXML();
   /// Reads an XML text of `length` bytes: 0 done, 1 it is not well-formed, 2 the outermost element
-  /// holds no other, 3 it has another name than typeXML(), 4 refused: a document type (so no entity
-  /// is ever declared or fetched), or elements more than 256 levels deep. Only 0 changes the
-  /// object. Any encoding that Expat knows is read.
+  /// holds no other (as that of an empty list), 3 it has another name than typeXML(), 4 refused: a
+  /// document type (so no entity is ever declared or fetched), or elements more than 256 levels
+  /// deep. Only 0 changes the object. Any encoding that Expat knows is read.
   int unpackXML(const char* text, int length);
   int unpackXML(const ZmString& text) {
     return unpackXML(text.value(), text.length());
@@ -163,7 +164,9 @@ class ZmPack : public ZmBase {
   /// @{
   void _storeItem(const ZmString* key, const ZmString& value);  ///< A null key: without one.
   void _storeItem(const ZmString* key, ZmPack& value);          ///< The same.
-  bool _hasXML(const ZmString& name) const;  ///< Whether the element being decoded holds that one.
+  /// The number of elements inside that one, which the element being decoded holds; -1 when it
+  /// doesn't, or when there is text instead.
+  int _insideXML(const ZmString& name) const;
   /// The first "item" at or behind position `at` of the element being decoded; `at` moves behind
   /// it. Null: no more. Lent; its key and text may be taken.
   ZmPackObj* _item(int& at) const;
@@ -180,8 +183,10 @@ class ZmPack : public ZmBase {
 
   /// @name Stepping through a record, for containers whose decode() reads several fields
   /// @{
-  bool _next();                        ///< Reads a field header; false when none is left.
-  void _yank();                        ///< Skips the current field unless it was taken.
+  bool _next();  ///< Reads a field header; false when none is left.
+  void _yank();  ///< Skips the current field unless it was taken.
+  /// Whether restore(tag, value) would take the current field.
+  bool _offers(int tag, const ZmPack& value) const;
   int _tag() const { return tag_; }    ///< Tag of the current field.
   int _code() const { return code_; }  ///< Type code of the current field.
   /// Whether the current field was taken.

@@ -67,7 +67,7 @@ ZmPackObj* ZmPackObj::get(int i) const { return inside_ ? inside_->get(i) : null
 ZmPackObj* ZmPackObj::find(const ZmString& name) const {
   if (length() > kFew && ++searches_ > kFew) return _indexed(name);
   for (int i = length() - 1; i >= 0; --i)
-    if (view(get(i)->name()) == view(name)) return get(i);
+    if (zm_view(get(i)->name()) == zm_view(name)) return get(i);
   return nullptr;
 }
 

@@ -141,7 +141,7 @@ void ZmPackReader::start(const char* name, const char** attributes) {
 
 void ZmPackReader::data(std::string_view text) {
   if (text_) {
-    append(*text_, text);
+    zm_append(*text_, text);
   } else {
     text_ = decoded(text, kPlain);
   }
@@ -152,6 +152,6 @@ void ZmPackReader::end() {
   open_.pop_back();
   if (!leaf_) return;
   if (!text_) text_ = std::make_unique<ZmString>();
-  element.text(encoding_ == kPlain ? std::move(text_) : decoded(view(*text_), encoding_));
+  element.text(encoding_ == kPlain ? std::move(text_) : decoded(zm_view(*text_), encoding_));
   listen(false);
 }

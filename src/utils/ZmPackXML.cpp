@@ -1,6 +1,9 @@
 // The XML form of packs: writing, and reading from the parsed tree.
+#include <bit>
 #include <charconv>
 #include <climits>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <new>
 #include <string_view>
@@ -49,6 +52,23 @@ std::string_view trimmed(std::string_view text) {
   return text;
 }
 
+// A NaN carries bits of its own. Those of any but the usual one stand behind it: "nan(12ab)".
+constexpr std::uint32_t kSign = 0x80000000, kInfinity = 0x7f800000, kPayload = 0x7fffff,
+                        kUsualNaN = 0x400000;
+
+// The bits of such a NaN; 0 for any other text.
+std::uint32_t payload(std::string_view text) {
+  constexpr std::string_view kOpen = "nan(";
+  const bool minus = text.starts_with('-');
+  text.remove_prefix(minus ? 1 : 0);
+  if (!text.starts_with(kOpen) || !text.ends_with(')')) return 0;
+  const char* end = text.data() + text.size() - 1;
+  std::uint32_t bits = 0;
+  const auto [at, error] = std::from_chars(text.data() + kOpen.size(), end, bits, 16);
+  if (error != std::errc() || at != end || bits == 0 || bits > kPayload) return 0;
+  return (minus ? kSign : 0) | kInfinity | bits;
+}
+
 }  // namespace
 
 // --- writing ---
@@ -75,7 +95,7 @@ struct ZmPack::Writer {
       put("-encoding=\"base64\" ");
       put(label);
       put("=\"");
-      put(view(zm_base64(value)));
+      put(zm_view(zm_base64(value)));
     }
     put("\"");
   }
@@ -88,7 +108,7 @@ struct ZmPack::Writer {
     put("<");
     put(tag);
     if (tag != name) attribute("name", name);
-    if (key) attribute("key", view(*key));
+    if (key) attribute("key", zm_view(*key));
   }
   void close() {
     put("</");
@@ -103,7 +123,7 @@ struct ZmPack::Writer {
       escaped(text, kMarkup);
     } else {
       put(" encoding=\"base64\">");
-      put(view(zm_base64(text)));
+      put(zm_view(zm_base64(text)));
     }
     close();
   }
@@ -142,7 +162,7 @@ void ZmPack::packXML() {
   used_ = 0;
   depth_ = 0;
   const ZmString name = typeXML();
-  Writer root{*this, view(name)};
+  Writer root{*this, zm_view(name)};
   root.put("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
   root.branch(*this);
 }
@@ -151,30 +171,36 @@ template <class T>
 void ZmPack::_numberXML(const ZmString& name, T value) {
   char digits[64];  // the longest: a float's 15
   const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-  Writer{*this, view(name)}.leaf({digits, static_cast<std::size_t>(end - digits)});
+  Writer{*this, zm_view(name)}.leaf({digits, static_cast<std::size_t>(end - digits)});
 }
 
 void ZmPack::storeXML(const ZmString& name, int value) { _numberXML(name, value); }
 void ZmPack::storeXML(const ZmString& name, long long value) { _numberXML(name, value); }
-void ZmPack::storeXML(const ZmString& name, float value) { _numberXML(name, value); }
+void ZmPack::storeXML(const ZmString& name, float value) {
+  const auto bits = std::bit_cast<std::uint32_t>(value);
+  if (value == value || (bits & kPayload) == kUsualNaN) return _numberXML(name, value);
+  char text[sizeof "-nan(7fffff)"];
+  std::snprintf(text, sizeof text, "%snan(%x)", bits & kSign ? "-" : "", bits & kPayload);
+  Writer{*this, zm_view(name)}.leaf(text);
+}
 void ZmPack::storeXML(const ZmString& name, unsigned char value) {
   _numberXML(name, static_cast<int>(value));
 }
 void ZmPack::storeXML(const ZmString& name, char value) {
-  Writer{*this, view(name)}.leaf({&value, 1});
+  Writer{*this, zm_view(name)}.leaf({&value, 1});
 }
 void ZmPack::storeXML(const ZmString& name, const ZmString& value) {
-  Writer{*this, view(name)}.leaf(view(value));
+  Writer{*this, zm_view(name)}.leaf(zm_view(value));
 }
 void ZmPack::storeXML(const ZmString& name, const char* value) {
-  Writer{*this, view(name)}.leaf(value ? value : "");
+  Writer{*this, zm_view(name)}.leaf(value ? value : "");
 }
 void ZmPack::storeXML(const ZmString& name, ZmPack& value) {
-  if (&value != this) Writer{*this, view(name)}.branch(value);
+  if (&value != this) Writer{*this, zm_view(name)}.branch(value);
 }
 
 void ZmPack::_storeItem(const ZmString* key, const ZmString& value) {
-  Writer{*this, kItem, key}.leaf(view(value));
+  Writer{*this, kItem, key}.leaf(zm_view(value));
 }
 void ZmPack::_storeItem(const ZmString* key, ZmPack& value) {
   if (&value != this) Writer{*this, kItem, key}.branch(value);
@@ -189,7 +215,7 @@ int ZmPack::unpackXML(const char* text, int length) {
   const auto result = reader.read({text, static_cast<std::size_t>(length)});
   if (result != ZmPackReader::kDone) return result == ZmPackReader::kRefused ? kRefused : kBroken;
   ZmPackObj& root = reader.root();
-  if (view(root.name()) != view(typeXML())) return kOther;
+  if (zm_view(root.name()) != zm_view(typeXML())) return kOther;
   if (root.length() == 0) return kEmpty;
   _decodeXML(root);
   return 0;
@@ -204,7 +230,7 @@ template <class T>
 void ZmPack::_takeXML(const ZmString& name, T& value) const {
   const ZmString* held = _text(name);
   if (!held) return;
-  const std::string_view text = trimmed(view(*held));
+  const std::string_view text = trimmed(zm_view(*held));
   const char* end = text.data() + text.size();
   T number{};
   const auto [at, error] = std::from_chars(text.data(), end, number);
@@ -213,7 +239,12 @@ void ZmPack::_takeXML(const ZmString& name, T& value) const {
 
 void ZmPack::restoreXML(const ZmString& name, int& value) { _takeXML(name, value); }
 void ZmPack::restoreXML(const ZmString& name, long long& value) { _takeXML(name, value); }
-void ZmPack::restoreXML(const ZmString& name, float& value) { _takeXML(name, value); }
+void ZmPack::restoreXML(const ZmString& name, float& value) {
+  const ZmString* text = _text(name);
+  const std::uint32_t bits = text ? payload(trimmed(zm_view(*text))) : 0;
+  if (bits == 0) return _takeXML(name, value);
+  value = std::bit_cast<float>(bits);
+}
 void ZmPack::restoreXML(const ZmString& name, unsigned char& value) { _takeXML(name, value); }
 
 void ZmPack::restoreXML(const ZmString& name, char& value) {
@@ -240,13 +271,18 @@ void ZmPack::_decodeXML(ZmPackObj& element) {
   code_ = 0;
 }
 
-bool ZmPack::_hasXML(const ZmString& name) const { return _element() && _element()->find(name); }
+int ZmPack::_insideXML(const ZmString& name) const {
+  const ZmPackObj* element = _element() ? _element()->find(name) : nullptr;
+  if (!element) return -1;
+  const bool empty = element->text() && trimmed(zm_view(*element->text())).empty();
+  return element->length() > 0 || empty ? element->length() : -1;
+}
 
 ZmPackObj* ZmPack::_item(int& at) const {
   const ZmPackObj* element = _element();
   while (element && at < element->length()) {
     ZmPackObj* item = element->get(at++);
-    if (view(item->name()) == kItem) return item;
+    if (zm_view(item->name()) == kItem) return item;
   }
   return nullptr;
 }

@@ -31,7 +31,7 @@ ZmString notinteger(const ZmString& text) {
 ZmString integererror(const ZmString& argument, const ZmString& value) {
   if (value.length() == 0) return "ERROR: option expects an integer '" + argument + "'";
   const auto fits = [](char c) { return kIntegerChars.has(c); };
-  return std::ranges::all_of(view(value), fits) ? ZmString() : notinteger(value);
+  return std::ranges::all_of(zm_view(value), fits) ? ZmString() : notinteger(value);
 }
 
 // The same for a difference option. A sign in front of a negative number ("+-5") will do.
@@ -111,7 +111,7 @@ unsigned char ZmParam::_option(const ZmStringList& args, int& index) {
 // Every option that matches does so with all of the key: a second one is a tie, unless the key is
 // the name in full.
 ZmOption* ZmParam::_choose(const ZmString& argument) {
-  ZmCursor in(view(argument));
+  ZmCursor in(zm_view(argument));
   in.skip(kDash);
   const ZmString key = zm_string(in.rest());
   ZmOption* chosen = nullptr;

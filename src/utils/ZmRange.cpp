@@ -137,15 +137,15 @@ struct Frame {
     if (size > INT_MAX) throw std::bad_alloc();
     auto name = std::make_unique<ZmString>();
     name->_resize(static_cast<int>(size));
-    append(*name, before);
+    zm_append(*name, before);
     std::size_t zeros = width - digits.size();
     if (value < 0) {  // the sign stands first and counts for the width
       name->append('-');
       digits.remove_prefix(1);
     }
     for (; zeros > 0; --zeros) name->append('0');
-    append(*name, digits);
-    append(*name, after);
+    zm_append(*name, digits);
+    zm_append(*name, after);
     return name;
   }
 };
@@ -175,11 +175,11 @@ void ZmRange::parse(const ZmString& text) {
 
 void ZmRange::add(const ZmString& text) {
   std::int64_t total = 0;
-  Items counted(view(text));
+  Items counted(zm_view(text));
   while (const auto item = counted.next()) total += item->count();
   if (total > 0) {
     int* out = _extend(total);
-    Items items(view(text));
+    Items items(zm_view(text));
     while (const auto item = items.next()) out = item->write(out);
   }
   if (counted.padding()) padding_ = *counted.padding();
@@ -288,7 +288,7 @@ void ZmRange::partition(int parts, ZmStringList& out) {
 }
 
 unsigned char ZmRange::isrange(const ZmString& text) {
-  ZmCursor in(view(text));
+  ZmCursor in(zm_view(text));
   if (kNeverFirst.has(in.peek())) return 0;
   in.skip(kBlank);
   if (in.eof()) return 0;
@@ -311,17 +311,17 @@ void ZmRange::patternsplit(int order, const ZmString& pattern, ZmStringList& out
   }
   // Most patterns are plain names.
   constexpr ZmCharSet kSpecial("[, \t\r\n");
-  ZmCursor in(view(pattern));
+  ZmCursor in(zm_view(pattern));
   if (!in.until(kSpecial).empty() && in.eof())
     return push(out, std::make_unique<ZmString>(pattern));
   ZmStringList items;
-  zm_split_comma(view(pattern), items);
+  zm_split_comma(zm_view(pattern), items);
   for (int i = 0; i < items.length(); ++i) _expand(order, *items.get(i), out);
 }
 
 // The range is the token behind the first "[". The one behind it is dropped, whatever it is.
 void ZmRange::_expand(int order, const ZmString& item, ZmStringList& out) {
-  ZmTokens tokens(view(item), ZmSyntax::kRange);
+  ZmTokens tokens(zm_view(item), ZmSyntax::kRange);
   std::string_view token;
   Frame frame;
   while (tokens.next(token) && token != "[") frame.before += token;
@@ -334,7 +334,7 @@ void ZmRange::_expand(int order, const ZmString& item, ZmStringList& out) {
 }
 
 void ZmRange::patternsplit(const ZmString& text, int& start, int& end, int& step) {
-  ZmCursor in(view(text));
+  ZmCursor in(zm_view(text));
   const auto first = number(in);
   if (!first) return;
   start = first->value;

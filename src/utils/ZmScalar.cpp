@@ -9,7 +9,7 @@ namespace {
 
 bool haselement(const ZmString& list, const ZmString& element) {
   ZmStringList elements;
-  zm_split(view(list), elements);
+  zm_split(zm_view(list), elements);
   return elements.find(element) >= 0;
 }
 
@@ -66,7 +66,7 @@ ZmString& ZmScalar::stringvalue() {
 }
 
 void ZmScalar::eval(const ZmString& op, ZmScalar& a, ZmScalar& result) {
-  const ZmOperation operation = zm_operator(view(op))->operation;
+  const ZmOperation operation = zm_operator(zm_view(op))->operation;
   if (a.kind_ == kInteger) {
     result._set(zm_unary(operation, a.integer_));
   } else if (a.kind_ == kFloat) {
@@ -77,7 +77,7 @@ void ZmScalar::eval(const ZmString& op, ZmScalar& a, ZmScalar& result) {
 }
 
 void ZmScalar::eval(const ZmString& op, ZmScalar& a, ZmScalar& b, ZmScalar& result) {
-  const ZmOperation operation = zm_operator(view(op))->operation;
+  const ZmOperation operation = zm_operator(zm_view(op))->operation;
   const Kind kind = a.kind_ > b.kind_ ? a.kind_ : b.kind_;
   if (kind == kInteger) {
     result._set(zm_binary(operation, a.integer_, b.integer_));

@@ -105,7 +105,7 @@ ZmSlotTable::Spot ZmSlotTable::seek(Hash key_hash, Text text) const {
   const auto mark = static_cast<unsigned char>(key_hash >> 32);
   const auto holds = [&](int at) {
     if (marks_[at] != mark || (hashes_[at] != sum && mark != kZero)) return false;
-    const std::string_view held = view(*keys_[at]);
+    const std::string_view held = zm_view(*keys_[at]);
     const std::string_view sought = text();
     if (mark != kZero) return held == sought;
     // A zero byte ends a comparison.
@@ -142,7 +142,7 @@ void* ZmSlotTable::get(std::string_view key, Hash key_hash) const {
 void* ZmSlotTable::remove(const ZmString& key) {
   if (count_ < 1) return nullptr;
   void* value = nullptr;
-  const int at = locate(view(key), hash(view(key))).found;
+  const int at = locate(zm_view(key), hash(zm_view(key))).found;
   if (at >= 0) {
     // The argument may be the stored key itself, so it is not used below.
     delete keys_[at];
@@ -151,7 +151,7 @@ void* ZmSlotTable::remove(const ZmString& key) {
     value = std::exchange(values_[at], nullptr);
   } else {
     if (!overflow_) return nullptr;
-    const auto pair = overflow_->find(view(key));
+    const auto pair = overflow_->find(zm_view(key));
     if (pair == overflow_->end()) return nullptr;
     const auto [stored, object] = pair->second;
     value = object;
@@ -165,7 +165,7 @@ void* ZmSlotTable::remove(const ZmString& key) {
 }
 
 ZmSlotTable::Stored ZmSlotTable::store(const Pair& pair, Hash key_hash, Pair& old) {
-  const int at = seek(key_hash, [&pair] { return view(*pair.first); }).place;
+  const int at = seek(key_hash, [&pair] { return zm_view(*pair.first); }).place;
   if (at < 0) return Stored::kFull;
   const bool vacant = !occupied(at);
   if (!vacant) old = {keys_[at], values_[at]};
@@ -192,11 +192,11 @@ bool ZmSlotTable::set(void* value, ZmString* key, Hash key_hash, Destroy destroy
   const Pair pair{key, value};
   Pair old{};
   Stored stored = Stored::kFull;
-  auto beyond = overflow_ ? overflow_->find(view(*key)) : Overflow::iterator();
+  auto beyond = overflow_ ? overflow_->find(zm_view(*key)) : Overflow::iterator();
   if (overflow_ && beyond != overflow_->end()) {
     old = beyond->second;
     overflow_->erase(beyond);
-    overflow_->emplace(view(*key), pair);
+    overflow_->emplace(zm_view(*key), pair);
     stored = Stored::kReplaced;
   } else {
     while ((stored = store(pair, key_hash, old)) == Stored::kFull && resize(destroy)) {
@@ -204,7 +204,7 @@ bool ZmSlotTable::set(void* value, ZmString* key, Hash key_hash, Destroy destroy
   }
   if (stored == Stored::kFull) {
     if (!overflow_) overflow_ = new Overflow;
-    overflow_->emplace(view(*key), pair);
+    overflow_->emplace(zm_view(*key), pair);
   }
   if (stored == Stored::kReplaced) {
     if (old.second && old.second != value) destroy(old.second);
@@ -352,6 +352,6 @@ void ZmSlotTable::copy(const ZmSlotTable& other, void* (*copy_value)(const void*
   overflow_ = new Overflow;
   for (const auto& [text, pair] : *other.overflow_) {
     auto* key = new ZmString(*pair.first);
-    overflow_->emplace(view(*key), Pair(key, copy_value(pair.second)));
+    overflow_->emplace(zm_view(*key), Pair(key, copy_value(pair.second)));
   }
 }

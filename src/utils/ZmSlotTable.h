@@ -38,7 +38,7 @@ class ZmSlotTable {
 
   int count() const { return count_; }
   int entries() const { return entries_; }
-  void* get(const ZmString& key) const { return get(view(key), hash(view(key))); }
+  void* get(const ZmString& key) const { return get(zm_view(key), hash(zm_view(key))); }
   void* get(std::string_view key, Hash key_hash) const;
   // Where a key is and where set() would put it, as slots; -1: nowhere.
   struct Spot {
@@ -51,7 +51,7 @@ class ZmSlotTable {
   bool fill(const Spot& spot, void* value, ZmString* key, Hash key_hash);
   // False: the key is null.
   bool set(void* value, ZmString* key, Destroy destroy) {
-    return key && set(value, key, hash(view(*key)), destroy);
+    return key && set(value, key, hash(zm_view(*key)), destroy);
   }
   bool set(void* value, ZmString* key, Hash key_hash, Destroy destroy);
   void* remove(const ZmString& key);

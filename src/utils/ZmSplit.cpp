@@ -185,8 +185,8 @@ void zm_split_space(std::string_view text, ZmStringList& tokens) {
 
 void zm_split_period(std::string_view text, ZmString& left, ZmString& right) {
   const std::size_t end = text.find('.');
-  append(left, text.substr(0, end));
-  if (end != std::string_view::npos) append(right, text.substr(end + 1));
+  zm_append(left, text.substr(0, end));
+  if (end != std::string_view::npos) zm_append(right, text.substr(end + 1));
 }
 
 bool zm_split_equal(std::string_view text, ZmString& left, ZmString& right) {
@@ -195,7 +195,7 @@ bool zm_split_equal(std::string_view text, ZmString& left, ZmString& right) {
   if (end == std::string_view::npos) return false;
   ZmCursor in(text.substr(end + 1));
   in.skip(kSpace);
-  append(right, in.rest());
+  zm_append(right, in.rest());
   return true;
 }
 
@@ -208,6 +208,6 @@ bool zm_split_becomes(std::string_view text, ZmString& left, ZmString& right) {
   if (text[end] != ':') return false;
   ZmCursor in(text.substr(end + 1));
   in.skip(kSpace);
-  append(right, in.rest());
+  zm_append(right, in.rest());
   return true;
 }

@@ -1,5 +1,7 @@
 #include "ZmString.h"
 
+#include <locale.h>
+
 #include <algorithm>
 #include <cctype>
 #include <climits>
@@ -184,17 +186,17 @@ ZmString& ZmString::operator+=(const char* s) {
 }
 
 ZmString& ZmString::operator+=(int value) {
-  ::append(*this, ZmNumberText(value).view());
+  zm_append(*this, ZmNumberText(value).view());
   return *this;
 }
 
 ZmString& ZmString::operator+=(long long value) {
-  ::append(*this, ZmNumberText(value).view());
+  zm_append(*this, ZmNumberText(value).view());
   return *this;
 }
 
 ZmString& ZmString::operator+=(float value) {
-  ::append(*this, ZmNumberText(value).view());
+  zm_append(*this, ZmNumberText(value).view());
   return *this;
 }
 
@@ -231,11 +233,11 @@ unsigned char ZmString::haschar(char c) const {
   return length_ > 0 && std::memchr(buffer_, c, static_cast<std::size_t>(length_)) != nullptr;
 }
 
-unsigned char ZmString::hasspace() const { return contains(view(*this), kSpace); }
-unsigned char ZmString::multiline() const { return contains(view(*this), kLineEnd); }
+unsigned char ZmString::hasspace() const { return contains(zm_view(*this), kSpace); }
+unsigned char ZmString::multiline() const { return contains(zm_view(*this), kLineEnd); }
 
 unsigned char ZmString::isinteger() const {
-  ZmCursor in(view(*this));
+  ZmCursor in(zm_view(*this));
   if (in.eof() || !(in.is('-') || kZmDigits.has(in.peek()))) return 0;
   in.take();
   in.skip(kZmDigits);
@@ -244,7 +246,7 @@ unsigned char ZmString::isinteger() const {
 
 unsigned char ZmString::isfloat() const {
   constexpr ZmCharSet kFirst("0123456789-+.");
-  ZmCursor in(view(*this));
+  ZmCursor in(zm_view(*this));
   if (!kFirst.has(in.peek())) return 0;
   const bool dot = in.take() == ".";
   in.skip(kZmDigits);
@@ -258,12 +260,12 @@ ZmString ZmString::substr(int start, int end) const {
   return from < to ? ZmString(buffer_ + from, to - from) : ZmString();
 }
 
-ZmString ZmString::tolower() const { return mapped(view(*this), lower); }
-ZmString ZmString::toupper() const { return mapped(view(*this), upper); }
+ZmString ZmString::tolower() const { return mapped(zm_view(*this), lower); }
+ZmString ZmString::toupper() const { return mapped(zm_view(*this), upper); }
 
 ZmString ZmString::removecontrolchars() const {
   ZmString result;
-  for (const char c : view(*this))
+  for (const char c : zm_view(*this))
     if ((c >= 32 && c <= 126) || c == '\t' || c == '\r' || c == '\n') result.append(c);
   return result;
 }
@@ -271,7 +273,7 @@ ZmString ZmString::removecontrolchars() const {
 ZmString ZmString::LFtoCRLF() {
   ZmString result;
   char before = 0;
-  for (const char c : view(*this)) {
+  for (const char c : zm_view(*this)) {
     if (c == '\n' && before != '\r') result.append('\r');
     result.append(c);
     before = c;
@@ -283,18 +285,18 @@ ZmString ZmString::replacevalue(const ZmString& from, const ZmString& to,
                                 unsigned char exact) const {
   if (from.length_ < 1) return *this;
   ZmString result;
-  ZmCursor in(view(*this));
+  ZmCursor in(zm_view(*this));
   while (!in.eof()) {
     const std::string_view piece = in.rest().substr(0, static_cast<std::size_t>(from.length_));
-    const bool match = piece.size() == view(from).size() &&
+    const bool match = piece.size() == zm_view(from).size() &&
                        (exact ? piece[0] == from.buffer_[0] &&
                                     std::strncmp(piece.data(), from.buffer_, piece.size()) == 0
-                              : samefolded(piece, view(from)));
+                              : samefolded(piece, zm_view(from)));
     if (match) {
       in.take(piece.size());
       result += to;
     } else {
-      ::append(result, in.take());
+      zm_append(result, in.take());
     }
   }
   return result;
@@ -302,8 +304,8 @@ ZmString ZmString::replacevalue(const ZmString& from, const ZmString& to,
 
 char* ZmString::copyvalue() const {
   const auto n = static_cast<std::size_t>(length_);
-  auto text = std::make_unique<char[]>(n + 1);
-  if (n > 0) std::memcpy(text.get(), buffer_, n);
+  auto text = std::make_unique<char[]>(n + 1);  // all zero bytes
+  if (n > 0) std::strncpy(text.get(), buffer_, n);
   return text.release();
 }
 
@@ -314,7 +316,9 @@ long long ZmString::longlongvalue() const {
 }
 
 float ZmString::floatvalue() const {
-  return length_ < 1 ? 0.0F : static_cast<float>(std::atof(buffer_));
+  // A program may have set a locale with another decimal point; texts keep theirs.
+  static const locale_t plain = ::newlocale(LC_ALL_MASK, "C", nullptr);
+  return length_ < 1 ? 0.0F : static_cast<float>(::strtod_l(buffer_, nullptr, plain));
 }
 
 unsigned int ZmString::_hex(int digits) const {
@@ -337,7 +341,7 @@ void ZmString::hexvalue(char c) {
 void ZmString::integervalue(int value, int width, char pad) {
   const ZmNumberText text(value);
   for (int n = static_cast<int>(text.view().size()); n < width; ++n) append(pad);
-  ::append(*this, text.view());
+  zm_append(*this, text.view());
 }
 
 ZmString ZmString::padded_int(int value, int width) {
@@ -351,7 +355,7 @@ ZmString ZmString::padded_int(int value, int width) {
     digits.remove_prefix(1);
   }
   for (; width > 0 && missing > 0; --missing) text.append('0');
-  ::append(text, digits);
+  zm_append(text, digits);
   for (; missing > 0; --missing) text.append(' ');  // a negative width is printf's left alignment
   return text;
 }

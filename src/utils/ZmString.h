@@ -191,7 +191,7 @@ class ZmString : public ZmBase {
   /// @{
   int integervalue() const;         ///< As atoi.
   long long longlongvalue() const;  ///< As strtoll in base 10.
-  float floatvalue() const;         ///< As atof, narrowed.
+  float floatvalue() const;         ///< As atof in the "C" locale, narrowed.
   /// Every byte shifts by four bits; hexadecimal digits add their value, other bytes add 0. Wraps.
   unsigned int hexvalue() const;
   unsigned char hexchar() const;  ///< hexvalue() of at most the first two bytes.

@@ -37,7 +37,8 @@ int ZmStringList::find(const ZmString& s) const {
 
 void ZmStringList::sort() {
   // An order made to defeat the quicksort, or many equal texts, would take quadratic time. Equal
-  // texts read the same, so in a long list another sort may take over where it goes wrong.
+  // texts read the same (undefined ones as empty ones), so in a long list another sort may take
+  // over where it goes wrong.
   if (length() < 2) return;
   const int usual = 4 * static_cast<int>(std::bit_width(static_cast<unsigned>(length()))) + 16;
   const int levels = std::max(usual, kComparisons / length());

@@ -7,7 +7,7 @@
 #include "ZmString.h"
 
 // The whole text, zero bytes included; lent until the string changes.
-inline std::string_view view(const ZmString& s) {
+inline std::string_view zm_view(const ZmString& s) {
   return {s.value(), static_cast<std::size_t>(s.length())};
 }
 
@@ -16,7 +16,7 @@ inline ZmString zm_string(std::string_view text) {
   return {text.data(), static_cast<int>(text.size())};
 }
 
-inline void append(ZmString& to, std::string_view text) {
+inline void zm_append(ZmString& to, std::string_view text) {
   to.append(text.data(), static_cast<int>(text.size()));
 }
 

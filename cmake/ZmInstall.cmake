@@ -46,18 +46,21 @@ install(FILES "${made}/ZmApi.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
 
 # Completion, where each shell looks. Debian's zsh looks for packages' files in a directory of
 # their own, and for local ones where every other zsh does.
-if(CMAKE_INSTALL_PREFIX STREQUAL "/usr" AND EXISTS "/etc/debian_version")
+set(ZM_ZSH_COMPLETIONS_DIR "" CACHE STRING
+  "Where the completion for zsh is installed; empty: where the zsh of the prefix looks")
+if(ZM_ZSH_COMPLETIONS_DIR)
+  set(zshdir "${ZM_ZSH_COMPLETIONS_DIR}")
+elseif(CMAKE_INSTALL_PREFIX STREQUAL "/usr" AND EXISTS "/etc/debian_version")
   set(zshdir "${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions")
 else()
   set(zshdir "${CMAKE_INSTALL_DATADIR}/zsh/site-functions")
 endif()
-set(ZM_ZSH_COMPLETIONS_DIR "${zshdir}" CACHE STRING "Where the completion for zsh is installed")
 set(ZM_BASH_COMPLETIONS_DIR "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" CACHE STRING
   "Where the completion for bash is installed")
 install(FILES "${PROJECT_SOURCE_DIR}/completions/zmconfigfile.bash" RENAME zmconfigfile
   DESTINATION "${ZM_BASH_COMPLETIONS_DIR}" ${tools})
 install(FILES "${PROJECT_SOURCE_DIR}/completions/_zmconfigfile"
-  DESTINATION "${ZM_ZSH_COMPLETIONS_DIR}" ${tools})
+  DESTINATION "${zshdir}" ${tools})
 
 # Manual pages, compressed as man pages are everywhere; without gzip as they are.
 set(ZM_MAN_PAGES
@@ -105,7 +108,7 @@ install(FILES "${PROJECT_SOURCE_DIR}/examples/farm.conf"
   DESTINATION "${docdir_torvel-tools}/examples" ${tools})
 install(FILES "${PROJECT_SOURCE_DIR}/docs/guide.md" DESTINATION "${docdir_libzmapi-dev}" ${dev})
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/" DESTINATION "${docdir_libzmapi-dev}/examples"
-  ${dev} FILES_MATCHING PATTERN "*.cpp")
+  ${dev} FILES_MATCHING PATTERN "*.cpp" PATTERN "*.out" PATTERN "farm.conf")
 
 if(ZM_DEBIAN)
   include(ZmPackages)

@@ -20,7 +20,7 @@ constexpr const char* kMonths[] = {"Jan ", "Feb ", "Mar ", "Apr ", "May ", "Jun 
 constinit std::ofstream* _zm_debug_ofs = nullptr;
 constinit union Global {
   constexpr Global() : object() {}
-  ~Global() {}
+  ~Global() {}  // NOLINT(modernize-use-equals-default): that would be a deleted one
   ZmDebug object;
 } _zm_debug_global_obj;
 constinit int _zm_debug_verbosity = ~4096;

@@ -52,7 +52,7 @@ void ZmConfig::option(const ZmString& label, const ZmString& value) {
 int ZmConfig::_store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value) {
   const auto count = static_cast<int>(value.size());
   return _place(
-      label, hash, [&] { return new ZmString(value.data(), count); },
+      label, hash, [&] { return ZmString::_exact(value.data(), count); },
       [&](ZmString& stored) {
         stored.clear();  // an empty text may have no bytes at all, which copy() would ignore
         stored.copy(value.data(), count);
@@ -74,8 +74,8 @@ int ZmConfig::_place(std::string_view label, ZmSlotTable::Hash hash, Make make, 
   }
   const bool known = spot.found >= 0 || options_._get(label, hash) != nullptr;
   ZmString* value = make();
-  auto* listed = known ? nullptr : new ZmString(label.data(), count);
-  auto* key = new ZmString(label.data(), count);
+  auto* listed = known ? nullptr : ZmString::_exact(label.data(), count);
+  auto* key = ZmString::_exact(label.data(), count);
   if (!table.fill(spot, value, key, hash)) options_._set(value, key, hash);
   if (listed) labels_.push(listed);
   // A growth of the table may drop one of two labels that differ behind a zero byte only.

@@ -62,10 +62,12 @@ int hexdigit(char c) {
 
 }  // namespace
 
-ZmString::ZmString(const char* s, int n) { _start(s, n); }
+ZmString::ZmString(const char* s, int n) {
+  if (s && n > 0) _start(s, n, grown(n + 1LL));
+}
 ZmString::ZmString(const char* s) { copy(s); }
 ZmString::ZmString(const ZmString& other) : ZmBase(other), secure_(other.secure_) {
-  _start(other.buffer_, other.length_);
+  if (other.length_ > 0) _start(other.buffer_, other.length_, grown(other.length_ + 1LL));
 }
 ZmString::ZmString(int value) { *this += value; }
 ZmString::ZmString(long long value) { *this += value; }
@@ -73,10 +75,15 @@ ZmString::ZmString(float value) { *this += value; }
 
 int ZmString::type() const { return 72; }
 
+ZmString* ZmString::_exact(const char* s, int n) {
+  if (n == INT_MAX) throw std::bad_alloc();
+  auto made = std::make_unique<ZmString>();
+  if (s && n > 0) made->_start(s, n, n + 1);
+  return made.release();
+}
+
 // copy(s, n) for a string that has no buffer yet: most strings are made so.
-void ZmString::_start(const char* s, int n) {
-  if (!s || n <= 0) return;
-  const int size = grown(n + 1LL);
+void ZmString::_start(const char* s, int n, int size) {
   size_ = size < kFloor ? kFloor : size;
   buffer_ = static_cast<char*>(zm_allocate(static_cast<std::size_t>(size_)));
   std::memcpy(buffer_, s, static_cast<std::size_t>(n));

@@ -94,6 +94,8 @@ class ZmString : public ZmBase {
   /// The one allocation point: replaces the buffer by one of max(n, 16) bytes, wiping the old one
   /// when `secure`. The text is lost: the string is then empty.
   void _resize(int n);
+  /// A new string of n bytes, without room to grow; undefined when n <= 0. The caller owns it.
+  static ZmString* _exact(const char* s, int n);
   /// @}
 
   /// @name Appending
@@ -216,7 +218,7 @@ class ZmString : public ZmBase {
  private:
   friend bool zm_read_file(const ZmString& path, ZmString& text);
 
-  void _start(const char* s, int n);
+  void _start(const char* s, int n, int size);
   void _init();
   void _drop() noexcept {
     if (buffer_) _release();

@@ -1,7 +1,6 @@
 #include "ZmConfig.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <string>
 #include <vector>
@@ -118,13 +117,4 @@ TEST(ZmConfig, Packs) {
   EXPECT_STREQ(other.name().value(), "node1");
   EXPECT_EQ(other.address().value(), config.address().value());
   EXPECT_EQ(config.type() + ZmConfigList().type() + ZmConfigHash().type(), 50 + 51 + 51);
-}
-
-TEST(ZmConfig, ComparesNamesAndKnowsItsMachine) {
-  const ZmString a("a"), b("b"), none;
-  EXPECT_TRUE(_zm_config_cmp(&b, &a) == 1 && zm_config_sort_func(&none, &a) == -1);
-  EXPECT_EQ(zm_config_sort_func(&a, &a), 0);
-  char name[1024] = {};
-  ASSERT_EQ(::gethostname(name, sizeof name - 1), 0);
-  EXPECT_STREQ(ZmConfig().host().value(), name);
 }

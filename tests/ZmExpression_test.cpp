@@ -193,36 +193,21 @@ TEST(ZmExpressionTokens, PairSplitters) {
 // right; nothing counts as the integer 0 where an operand must be; postfix takes the operand
 // written last as a; the prefix and postfix parsers' unary nodes have no b and come to nothing.
 TEST(ZmExpression, ParsesAndEvaluates) {
-  check(kInfix, {"1 + 2 * 3 => (+ 1 (* 2 3)) => 7",
-                 "(1 + 2) * 3 => (* (+ 1 2) 3) => 9",
-                 "2 * 3 + 4 => (+ (* 2 3) 4) => 10",
-                 "10 - 4 - 3 => (- 10 (- 4 3)) => 9",
-                 "-3 + 5 => (+ (-- _ 3) 5) => 2",
-                 "2 - -3 => (- 2 (-- _ 3)) => 5",
-                 "not not 0 => (not _ (not _ 0)) => 0",
-                 "1 == 1 && 2 < 3 => (&& (== 1 1) (< 2 3)) => 1",
-                 "1 | 2 == 3 => (== (| 1 2) 3) => 1",
-                 "1 << 1 or 0 => (<< 1 (or 1 0)) => 2",
-                 "1 + 2 ; 3 => (+ 1 (; 2 3)) => 1",
-                 "; 5 => ;",
-                 "* + 2 => (+ * 2) => 0",
-                 "min => min => min",
-                 "3 max 4 => (max 3 4) => 4",
-                 "1 ? 2 => 1",
-                 "a b => a",
-                 " => ()",
-                 ") a => a => a",
-                 "(1 + 2 => (( _ (+ 1 2)) => untouched",
-                 "() => ()",
-                 "1 + => (+ _ 1) => untouched",
-                 "1 + (2 *) => (+ _ (* 1 2)) => untouched",
-                 "not '' => (not _ ()) => 1",
-                 "- => (-- _ _) => untouched",
-                 "- abc => (-- _ abc) => untouched",
-                 "-abc == x => (== (-- _ abc) x) => 0",
-                 "abc == 'abc' => (== abc abc) => 1",
-                 "b in 'a,b' => (in b a,b) => 1",
-                 "7 / 2.0 => (/ 7 2.0) => 3.500000"});
+  check(kInfix,
+        {"1 + 2 * 3 => (+ 1 (* 2 3)) => 7", "(1 + 2) * 3 => (* (+ 1 2) 3) => 9",
+         "2 * 3 + 4 => (+ (* 2 3) 4) => 10", "10 - 4 - 3 => (- 10 (- 4 3)) => 9",
+         "-3 + 5 => (+ (-- _ 3) 5) => 2", "2 - -3 => (- 2 (-- _ 3)) => 5",
+         "not not 0 => (not _ (not _ 0)) => 0", "1 == 1 && 2 < 3 => (&& (== 1 1) (< 2 3)) => 1",
+         "1 | 2 == 3 => (== (| 1 2) 3) => 1", "1 << 1 or 0 => (<< 1 (or 1 0)) => 2",
+         "1 + 2 ; 3 => (+ 1 (; 2 3)) => 1",
+         // Operators out of place, and failures.
+         "; 5 => ;", "* + 2 => (+ * 2) => 0", "min => min => min", "3 max 4 => (max 3 4) => 4",
+         "1 ? 2 => 1", "a b => a", " => ()", ") a => a => a",
+         "(1 + 2 => (( _ (+ 1 2)) => untouched", "() => ()", "1 + => (+ _ 1) => untouched",
+         "1 + (2 *) => (+ _ (* 1 2)) => untouched", "not '' => (not _ ()) => 1",
+         "- => (-- _ _) => untouched", "- abc => (-- _ abc) => untouched",
+         "-abc == x => (== (-- _ abc) x) => 0", "abc == 'abc' => (== abc abc) => 1",
+         "b in 'a,b' => (in b a,b) => 1", "7 / 2.0 => (/ 7 2.0) => 3.500000"});
   check(kPostfix, {"7 2 - => (- 2 7) => -5", "1 not => (not 1 _) => untouched", "1 + => (+ 1 _)",
                    "1 2 3 + => 1"});
   check(kPrefix, {"- 7 2 => (- 7 2) => 5", "+ 1 * 2 3 => (+ 1 (* 2 3)) => 7",
@@ -241,25 +226,6 @@ TEST(ZmExpression, OtherParsersAndTokens) {
   EXPECT_EQ(list._parse(tokens, kInfix), 1);
   EXPECT_EQ(strings(tokens), (Strings{"--", "1", "-", "--"}));  // a unary minus is rewritten
   EXPECT_EQ(shown(&list), "(- (-- _ 1) --)");                   // "--" is no operator itself
-}
-
-TEST(ZmExpression, Precedence) {
-  const char* const rows[] = {"1024 , ;",
-                              "256 ( )",
-                              "128 -- ! not",
-                              "64 / * div mul % mod",
-                              "32 + - add sub",
-                              "16 & | ^ xor",
-                              "4 && and || or",
-                              "2 << >> rs ls",
-                              "1 min max : ? word NOT",
-                              "8 = == eq <> =~ != ne < lt > gt <= le >= ge in has"};
-  for (const char* row : rows) {
-    ZmStringList words;
-    ZmExpression::splitspace(row, words);
-    for (int i = 1; i < words.length(); ++i)
-      EXPECT_EQ(ZmExpression::precedence(*words.get(i)), words.get(0)->integervalue()) << row;
-  }
 }
 
 TEST(ZmExpression, ReferenceIsSharedAndCounted) {

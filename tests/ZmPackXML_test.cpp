@@ -256,26 +256,6 @@ TEST(ZmPackXML, RefusedTextsChangeNothing) {
   EXPECT_EQ(sample.unpackXML("<sample/>", -1), 1);
 }
 
-TEST(ZmPackXML, PacksNest) {
-  Sample deepest, middle, outer;
-  ZmConfigList list;
-  list.push(new ZmConfig);
-  list.push(new ZmConfig);
-  list.get(1)->option("a", "b");
-  middle.inner = &list;
-  outer.inner = &middle;
-  const std::string text = xml(outer);
-  EXPECT_NE(text.find("\n          <item key=\"a\">b</item>\n"), std::string::npos) << text;
-  ZmConfigList read_list;
-  Sample read_middle, read_outer;
-  read_middle.inner = &read_list;
-  read_outer.inner = &read_middle;
-  EXPECT_EQ(read_outer.unpackXML(outer.packContents(), outer.packSize()), 0);
-  EXPECT_EQ(xml(read_outer), text);
-  EXPECT_EQ(read_outer.unpackXML(read_outer.packContents(), read_outer.packSize()), 0);
-  EXPECT_EQ(read_list.length(), 4);  // what is read is appended
-}
-
 TEST(ZmPackXML, SectionsWhoseLabelsDisagreeKeepBoth) {
   const std::string_view head =
       "<config><labels><item>b</item><item>a</item><item>b</item></labels>";
@@ -331,17 +311,6 @@ TEST(ZmPackObj, AnyDepthIsCopiedAndDestroyed) {
   EXPECT_EQ(copy.type(), 156);
   EXPECT_EQ(copy.text(), nullptr);
   root = *root.get(0);  // out of the very tree that goes
-}
-
-TEST(ZmPackObj, FindsTheLastOfAName) {
-  ZmPackObj root;
-  for (int i = 0; i < 40; ++i) {
-    auto* inside = new ZmPackObj;
-    inside->name(std::make_shared<ZmString>(i % 20));
-    root.push(inside);
-  }
-  for (int i = 0; i < 40; ++i) EXPECT_EQ(root.find(i % 20), root.get(20 + i % 20)) << i;
-  EXPECT_EQ(root.find("x"), nullptr);
 }
 
 }  // namespace

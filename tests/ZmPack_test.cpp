@@ -198,17 +198,6 @@ TEST(ZmPack, HostileNestingEnds) {
   EXPECT_EQ(levels, 1002);  // the outermost, the 1000 that are read, and the one that is not
 }
 
-TEST(ZmPack, CopiesHaveTheirOwnBuffer) {
-  ZmStringList list;
-  list.pack();
-  ZmStringList copy(list);
-  EXPECT_EQ(copy.packContents(), nullptr);
-  copy.pack();
-  copy = list;
-  EXPECT_EQ(copy.packSize(), 0);
-  EXPECT_EQ(list.packSize(), 12);
-}
-
 TEST(ZmPack, ArchivesAndRecovers) {
   const ZmString path = ZmString(testing::TempDir().c_str()) + "ZmPack_test.pack";
   Sample sample;

@@ -43,9 +43,7 @@ class Ordered : public ZmPack {
 
  private:
   void _add(std::unique_ptr<ZmString> key, std::unique_ptr<ZmString> value) {
-    auto label = std::make_unique<ZmString>();
-    label->_resize(key->length() + 1);
-    label->copy(*key);
+    std::unique_ptr<ZmString> label(ZmString::_exact(key->value(), key->length()));
     const auto hash = ZmSlotTable::hash(zm_view(*label));
     ZmSlotTable& table = options_._table();
     if (table.fill(table.locate(zm_view(*key), hash), value.get(), key.get(), hash)) {

@@ -96,12 +96,10 @@ ZmPackReader::Encoding ZmPackReader::encoding(const char* name) {
 
 std::unique_ptr<ZmString> ZmPackReader::decoded(std::string_view value, Encoding encoding) {
   if (encoding == kUnknown) return nullptr;
+  if (encoding == kPlain)
+    return std::unique_ptr<ZmString>(ZmString::_exact(value.data(), size(value)));
   auto bytes = std::make_unique<ZmString>();
-  if (encoding == kBase64) return zm_from_base64(value, *bytes) ? std::move(bytes) : nullptr;
-  // Without the room to grow that a copy gets: what is read mostly stays as it is.
-  if (!value.empty()) bytes->_resize(size(value) + 1);
-  bytes->copy(value.data(), size(value));
-  return bytes;
+  return zm_from_base64(value, *bytes) ? std::move(bytes) : nullptr;
 }
 
 const std::shared_ptr<const ZmString>& ZmPackReader::named(const char* name) {

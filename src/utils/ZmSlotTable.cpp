@@ -287,7 +287,7 @@ void ZmSlotTable::empty_overflow(std::vector<Pair>& replaced) {
 }
 
 // Calls visit(key, value) for the pairs in the slots, in the order in which the keys stand in
-// memory (radix sort, of 64 GiB). False, when there is no memory to sort them in: nothing was
+// memory (radix sort, of 128 GiB). False, when there is no memory to sort them in: nothing was
 // visited.
 template <class Visit>
 bool ZmSlotTable::each_in_memory(Visit visit) const {

@@ -15,11 +15,10 @@ namespace {
 
 void print(const ZmConfig& section) {
   ZmWriter& out = output();
-  const ZmStringList& labels = section._labels();
-  for (int i = 0; i < labels.length(); ++i) {
+  for (int i = 0; i < section._count(); ++i) {
     const ZmString& value = section._optionat(i);
     const std::string_view quote("\"", value.hasspace() ? 1 : 0);
-    out.write(zm_view(*labels.get(i)));
+    out.write(zm_view(section._labelat(i)));
     out.write(" = ");
     out.write(quote);
     out.write(zm_view(value));

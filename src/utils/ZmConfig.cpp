@@ -34,9 +34,19 @@ const ZmString& ZmConfig::option(const ZmString& label) const {
   return value ? *value : empty_;
 }
 
+// Null when the label order lists a label that the options lack, as a record may have it.
+ZmString* ZmConfig::_valueat(int i) const {
+  if (values_.length() != labels_.length()) return options_.get(*labels_.get(i));
+  return static_cast<ZmString*>(values_.get(i));
+}
+
 const ZmString& ZmConfig::_optionat(int i) const {
-  if (values_.length() != labels_.length()) return option(*labels_.get(i));
-  return *static_cast<const ZmString*>(values_.get(i));
+  const ZmString* value = _valueat(i);
+  return value ? *value : empty_;
+}
+
+void ZmConfig::_replace(int i, std::string_view value) {
+  if (ZmString* stored = _valueat(i)) zm_assign(*stored, value);
 }
 
 void ZmConfig::option(const ZmString& label, const ZmString& value) {
@@ -54,8 +64,7 @@ int ZmConfig::_store(std::string_view label, ZmSlotTable::Hash hash, std::string
   return _place(
       label, hash, [&] { return ZmString::_exact(value.data(), count); },
       [&](ZmString& stored) {
-        stored.clear();  // an empty text may have no bytes at all, which copy() would ignore
-        stored.copy(value.data(), count);
+        zm_assign(stored, value);
         return true;
       });
 }
@@ -87,7 +96,7 @@ int ZmConfig::_place(std::string_view label, ZmSlotTable::Hash hash, Make make, 
   return listed ? labels_.length() - 1 : -1;
 }
 
-ZmString* ZmConfig::_find(std::string_view label) const {
+const ZmString* ZmConfig::_find(std::string_view label) const {
   return options_._get(label, ZmSlotTable::hash(label));
 }
 

@@ -53,9 +53,6 @@ class ZmConfig : public ZmPack {
   unsigned char remove(const ZmString& label);
   void labels(ZmStringList& list) const { list.copy(labels_); }  ///< Replaces the list by a copy.
   ZmStringList optionlist() const { return labels_; }            ///< A copy of the label order.
-  const ZmStringList& _labels() const { return labels_; }        ///< The label order, lent.
-  /// The value of the label at position i (0 to the number of labels - 1), lent as by option().
-  const ZmString& _optionat(int i) const;
   /// Sets every label of the other section, in its order, to the value it has there.
   void inherit(const ZmConfig& other);
   /// 1 when every label of the other section has the same value here (an absent one counts as the
@@ -96,6 +93,24 @@ class ZmConfig : public ZmPack {
   ZmString loadtemplate(const ZmString& path) const;  ///< usetemplate() of a file's text.
   /// @}
 
+  /// @name By position
+  /// From 0 to _count() - 1, in label order; no other position may be asked for.
+  /// @{
+  int _count() const { return labels_.length(); }                    ///< The number of labels.
+  const ZmString& _labelat(int i) const { return *labels_.get(i); }  ///< The label, lent.
+  const ZmString& _optionat(int i) const;        ///< Its value, lent as by option().
+  void _replace(int i, std::string_view value);  ///< Sets its value.
+  /// @}
+
+  /// @name For texts that are no ZmString yet
+  /// @{
+  /// The value, lent as by option(); null when the label is absent.
+  const ZmString* _find(std::string_view label) const;
+  /// option(label, value), with the hash of the label. The position of a new label, -1 for a known
+  /// one.
+  int _store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value);
+  /// @}
+
   void display() const;  ///< Prints a numbered listing.
 
   void encode() override;     ///< Stores every member.
@@ -104,13 +119,7 @@ class ZmConfig : public ZmPack {
   void decodeXML() override;  ///< Restores every member.
 
  private:
-  friend class ZmConfigReader;
-  friend class ZmExpander;
-
-  // The stored value of a label that is no ZmString yet; null when it is absent.
-  ZmString* _find(std::string_view label) const;
-  // option() for texts that are no ZmString yet. The position of a new label, -1 for a known one.
-  int _store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value);
+  ZmString* _valueat(int i) const;
   template <class Make, class Assign>
   int _place(std::string_view label, ZmSlotTable::Hash hash, Make make, Assign assign);
 

@@ -96,8 +96,8 @@ void ZmConfigReader::inherit(const ZmConfig& parent) {
   const bool own = std::any_of(current_.begin(), current_.end(), [&parent](const Target& target) {
     return target.config == &parent;
   });
-  for (int i = 0; i < parent.labels_.length(); ++i) {
-    const ZmString& label = *parent.labels_.get(i);
+  for (int i = 0; i < parent._count(); ++i) {
+    const ZmString& label = parent._labelat(i);
     const std::string_view value = zm_view(parent._optionat(i));
     // Of its own options a section keeps the texts, which it would destroy while storing them.
     waiting_.push_back({own ? kept(std::string(zm_view(label))) : zm_view(label),
@@ -208,12 +208,12 @@ void ZmConfigReader::expand() {
     std::sort(references_.begin(), references_.end());
   auto end = references_.end();
   for (std::size_t i = created_.size(); i-- > 0;) {
-    const ZmConfig& config = *created_[i];
+    ZmConfig& config = *created_[i];
     auto begin = end;
     while (begin != references_.begin() && std::prev(begin)->created == i) --begin;
     const bool all = reopened_.contains(&config) || (begin != end && begin->label < 0);
     if (all) {
-      for (int n = 0; n < config.labels_.length(); ++n) expand(expander, config, n);
+      for (int n = 0; n < config._count(); ++n) expand(expander, config, n);
     } else {
       for (auto at = begin; at != end; ++at) expand(expander, config, at->label);
     }
@@ -221,11 +221,11 @@ void ZmConfigReader::expand() {
   }
 }
 
-void ZmConfigReader::expand(ZmExpander& expander, const ZmConfig& config, int label) {
+void ZmConfigReader::expand(ZmExpander& expander, ZmConfig& config, int label) {
   const ZmString& value = config._optionat(label);
   if (!hasreference(zm_view(value))) return;
   const std::string_view section = zm_view(config.name());
   const std::string_view result = expander.expand(section, section, zm_view(value), &value);
-  const_cast<ZmString&>(value).copy(result.data(), static_cast<int>(result.size()));
+  config._replace(label, result);
   expander.replaced();
 }

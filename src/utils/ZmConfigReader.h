@@ -61,7 +61,7 @@ class ZmConfigReader {
   void store(const Target& target, const Option& option);
   Target section(const ZmString& name);
   void expand();
-  void expand(ZmExpander& expander, const ZmConfig& config, int label);
+  void expand(ZmExpander& expander, ZmConfig& config, int label);
 
   ZmConfigHash& sections_;
   const ZmString& default_section_;

@@ -20,4 +20,10 @@ inline void zm_append(ZmString& to, std::string_view text) {
   to.append(text.data(), static_cast<int>(text.size()));
 }
 
+// An empty text may have no bytes at all, which copy() would ignore.
+inline void zm_assign(ZmString& to, std::string_view text) {
+  to.clear();
+  to.copy(text.data(), static_cast<int>(text.size()));
+}
+
 #endif

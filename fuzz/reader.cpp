@@ -2,14 +2,16 @@
 // and that references expand as a plain recursion would expand them.
 #include <cstdint>
 #include <iostream>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "ZmConfigFile.h"
+#include "ZmConfigReference.h"
 #include "ZmConfigScanner.h"
-#include "ZmExpander.h"
 #include "ZmText.h"
 
 namespace {
@@ -46,24 +48,27 @@ void checktokens(std::string_view text) {
   require(joined == text);
 }
 
-// One expansion, with the chain of options under expansion.
+using Option = std::pair<std::string, std::string>;  // a section and a label
+
+// One expansion as a plain recursion, with circles found by walking from each option to the other.
 struct Recursion {
   const ZmConfigFile& file;
   ZmString scope;
-  std::set<std::pair<std::string, std::string>> chain;
   long steps = 0;
+  std::map<Option, std::set<Option>> known;
 
-  std::string option(const ZmString& section, std::string_view label) {
+  std::string text(const ZmString& section, const std::string& label) {
     const ZmConfig* config = file.config(section);
     return config ? std::string(zm_view(config->option(zm_string(label)))) : std::string();
   }
 
-  std::string expanded(std::string_view self, std::string_view value) {
-    std::string out;
+  // Calls `copy` for what is copied as it is and `refer` for each qualified reference.
+  template <class Copy, class Refer>
+  void pieces(std::string_view self, std::string_view value, Copy copy, Refer refer) {
     for (ZmCursor in(value); !in.eof() && ++steps < 50000;) {
       std::string_view word = zm_value_word(in);
       if (word != "$") {
-        out += word;
+        copy(word);
         continue;
       }
       const bool braced = in.accept('{');
@@ -75,15 +80,43 @@ struct Recursion {
       if (qualified) in.take();
       const std::string_view label = zm_value_word(in);
       if (!qualified) {
-        out += word == "_" ? std::string(zm_view(scope)) : option(scope, word);
+        copy(word == "_" ? std::string(zm_view(scope)) : text(scope, std::string(word)));
       } else if (label == "_") {
-        out += word;
-      } else if (!label.empty() && chain.emplace(word, label).second) {
-        out += expanded(word, option(zm_string(word), label));
-        chain.erase({std::string(word), std::string(label)});
+        copy(word);
+      } else if (!label.empty()) {
+        refer(Option(word, label));
       }
       if (braced) in.accept('}');
     }
+  }
+
+  // The options that one leads to by references to options with a "$".
+  const std::set<Option>& reached(const Option& from) {
+    const auto [at, made] = known.try_emplace(from);
+    std::vector<Option> todo{from};
+    while (made && !todo.empty()) {
+      const Option option = todo.back();
+      todo.pop_back();
+      const std::string value = text(zm_string(option.first), option.second);
+      pieces(
+          option.first, value, [](std::string_view) {},
+          [&](const Option& to) {
+            if (text(zm_string(to.first), to.second).find('$') != std::string::npos &&
+                at->second.insert(to).second)
+              todo.push_back(to);
+          });
+    }
+    return at->second;
+  }
+
+  std::string expanded(const Option* from, std::string_view self, std::string_view value) {
+    std::string out;
+    pieces(
+        self, value, [&](std::string_view copied) { out += copied; },
+        [&](const Option& to) {
+          if (from && reached(*from).contains(to) && reached(to).contains(*from)) return;
+          out += expanded(&to, to.first, text(zm_string(to.first), to.second));
+        });
     return out;
   }
 };
@@ -96,8 +129,8 @@ void checkvalues(const ZmConfigFile& file) {
     const ZmStringList labels = file.config(name)->optionlist();
     for (int n = 0; n < labels.length(); ++n) {
       const ZmString& value = file.config(name)->option(*labels.get(n));
-      Recursion plain{file, name, {}};
-      const std::string expected = plain.expanded(zm_view(name), zm_view(value));
+      Recursion plain{file, name, 0, {}};
+      const std::string expected = plain.expanded(nullptr, zm_view(name), zm_view(value));
       if (plain.steps < 50000) require(zm_view(file._value(name, name, value)) == expected);
     }
   }

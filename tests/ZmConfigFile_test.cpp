@@ -250,18 +250,41 @@ TEST(ZmConfigFile, ExpandsLaterSectionsFirstAndLabelsInOrder) {
          {"k = ${base.root}x\n[base]root=/opt", "[base]root=/opt;[default]k=;"}});
 }
 
-TEST(ZmConfigFile, CutsCycles) {
-  const auto warning = [](const char* label) {
-    return "WARNING: section a option " + std::string(label) + " refers to itself... skipping.\n";
+TEST(ZmConfigFile, GivesNothingForReferencesInsideACircle) {
+  const auto warning = [](const std::string& section, const std::string& option) {
+    return "WARNING: section " + section + " option " + option + " refers to itself... skipping.\n";
   };
-  EXPECT_EQ(heard("[a]x=p$a.x"), "[a]x=p; " + warning("x"));
-  EXPECT_EQ(heard("[a]x=\"${a.x}${a.y}q\"\ny=${a.y}r${a.y}"),
-            "[a]x=q;y=; " + warning("x") + warning("y"));
-  // Inside a cycle a result depends on where the cycle was entered.
-  EXPECT_EQ(heard("[a]\nw=\"${a.y}${a.y}\"\nk=\"k${a.y}\"\ny=\"y${a.k}\""),
-            "[a]w=ykyk;k=ky;y=yky; " + warning("y") + warning("k"));
-  EXPECT_EQ(heard("[a]\nx=\"1${a.y}${a.z}\"\ny=\"2${a.z}${a.x}\"\nz=\"3${a.x}${a.y}\"\n"),
-            "[a]x=12332;y=231233212332;z=312332231233212332; " + warning("x") + warning("y"));
+  EXPECT_EQ(heard("[a]x=p$a.x"), "[a]x=p; " + warning("a", "x"));
+  EXPECT_EQ(heard("[a]x=\"p ${b.y}\"\n[b]y=\"q ${a.x}\""), "[a]x=p ;[b]y=q ; " + warning("b", "y"));
+  // From outside each member keeps its own text, whether it has been replaced or not.
+  EXPECT_EQ(heard("[a]x=\"1${b.x}\"\nk=\"${a.x}${b.x}${d.z}\"\n[b]x=\"2${c.x}\"\n"
+                  "[c]x=\"3${a.x}${b.x}\"\ny=\"${a.k};\"\n[d]z=\"${d.z}z\"\n"),
+            "[a]x=1;k=12z;[b]x=2;[c]x=3;y=12z;;[d]z=z; " + warning("d", "z") + warning("c", "x"));
+  // The circles that one value reaches are named in the order of its references.
+  EXPECT_EQ(heard("[a]x=\"${b.k}${b.x}\"\n[z]y=\"${a.x}\"\n[b]z=1\n[z]y=\"${a.x}\"\n"
+                  "[a]x=\"${b.k}${b.x}\"\n[b]k=\"${b.k}k\"\nx=\"${b.x}x\"\n"),
+            "[a]x=kx;[b]z=1;k=k;x=x;[z]y=kx; " + warning("b", "k") + warning("b", "x"));
+  EXPECT_EQ(heard("[a]w=\"${a.y}${a.x}\"\nx=\"x${a.x}\"\ny=\"y${a.k}\"\nk=\"k${a.y}\""),
+            "[a]w=yx;x=x;y=y;k=k; " + warning("a", "y") + warning("a", "x"));
+  // A circle of what replaced values still refer to.
+  EXPECT_EQ(heard("[a]x=$y\ny=\"${a.x}1\"\nz=\"${a.x}2\""),
+            "[a]x=${a.x}1;y=11;z=12; " + warning("a", "x"));
+  // A value that is asked for is no option, and its reading is one of its own.
+  ZmConfigFile file;
+  testing::internal::CaptureStderr();
+  file.parse("[a]x=\"x${b.y}\"\n[b]y=\"y${a.x}\"");
+  testing::internal::GetCapturedStderr();
+  file.config("b")->option("y", "y${a.x}");
+  file.config("a")->option("x", "x${b.y}${self.n}");
+  file.config("a")->option("n", "n");
+  file.config("a")->name("other");  // the file still knows it as "a"
+  for (int i = 0; i < 2; ++i) {
+    testing::internal::CaptureStderr();
+    EXPECT_STREQ(file._value("b", "b", "${a.x}${b.y}").value(), "xny");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), warning("a", "x"));
+  }
+  file.parse("[a]s=$self.n");
+  EXPECT_STREQ(file.config("a")->option("s").value(), "$a.n");
 }
 
 TEST(ZmConfigFile, FollowsReferencesOfAnyShapeInLinearTime) {
@@ -281,11 +304,11 @@ TEST(ZmConfigFile, FollowsReferencesOfAnyShapeInLinearTime) {
   // What the end gives is still a reference, or depends on the section at the start.
   EXPECT_EQ(first(chain(100'000, 1, "o100000=$z\nz=$y\ny=1"), "a", "o99999"), "$y");
   std::string sections = "[s0]x=$_\n";
-  for (int i = 1; i < 100'000; ++i)
+  for (int i = 1; i < 1000; ++i)
     sections += "[s" + std::to_string(i) + "]x=$s" + std::to_string(i - 1) + ".x\n";
-  EXPECT_EQ(first(sections, "s77777", "x"), "s77777");
+  EXPECT_EQ(first(sections, "s777", "x"), "s777");
   testing::internal::CaptureStderr();
-  EXPECT_EQ(first(chain(200'000, 1, "o200000=\"${a.o0}end\""), "a", "o0"), "end");
+  EXPECT_EQ(first(chain(200'000, 1, "o200000=\"${a.o0}end\""), "a", "o200000"), "end");
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "WARNING: section a option o0 refers to itself... skipping.\n");
 
@@ -296,21 +319,12 @@ TEST(ZmConfigFile, FollowsReferencesOfAnyShapeInLinearTime) {
   }
   EXPECT_EQ(read(diamond).size(), 3U + 10 * 4 + 50 * 5);
 
-  std::string tangle = "[a]\n";  // each option refers to every other one
   std::string ladder = "[a]\n";  // each refers to the ones before and behind it
-  for (int i = 0; i < 2000; ++i) {
-    const std::string here = std::to_string(i);
-    if (i < 12) {
-      tangle += "o" + here + "=\"";
-      for (int n = 0; n < 12; ++n)
-        if (n != i) tangle += "${a.o" + std::to_string(n) + "}";
-      tangle += "\"\n";
-    }
-    ladder += "o" + here + "=\"${a.o" + std::to_string(i + 1) + "}" +
+  for (int i = 0; i < 50'000; ++i)
+    ladder += "o" + std::to_string(i) + "=\"${a.o" + std::to_string(i + 1) + "}" +
               (i > 0 ? "${a.o" + std::to_string(i - 1) + "}" : "") + "\"\n";
-  }
   testing::internal::CaptureStderr();
-  EXPECT_EQ(read(tangle).size(), 3U + 10 * 4 + 2 * 5);
-  EXPECT_EQ(read(ladder).size(), 3U + 10 * 4 + 90 * 5 + 900 * 6 + 1000 * 7);
-  EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(first(ladder, "a", "o7"), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "WARNING: section a option o0 refers to itself... skipping.\n");
 }

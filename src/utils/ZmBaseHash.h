@@ -67,6 +67,9 @@ class ZmBaseHash {
   T* _get(std::string_view key, ZmSlotTable::Hash hash) const {
     return static_cast<T*>(table_.get(key, hash));
   }  ///< As get().
+  const ZmString* _stored(std::string_view key, ZmSlotTable::Hash hash) const {
+    return table_.stored(key, hash);
+  }  ///< The hash's own key, lent; null when there is none.
   unsigned char _set(T* value, ZmString* key, ZmSlotTable::Hash hash) {
     return table_.set(value, key, hash, _destroy);
   }                                                     ///< As set().

@@ -25,8 +25,11 @@
 /// its children, and a line without "=" ends the file. Options above the first header go to the
 /// default section. When the text has been read, the references in every value are expanded.
 ///
-/// The reader owns its sections. It prints warnings about missing parents and about references that
-/// lead back to themselves on standard error; nothing else is reported. One thread at a time.
+/// Options that refer to each other in a circle are no error: the references between them give
+/// nothing, whoever asks, and the first of them that is reached is named in a warning.
+///
+/// The reader owns its sections. It prints warnings about missing parents and about circles on
+/// standard error; nothing else is reported. One thread at a time.
 class ZmConfigFile : public ZmBase {
  public:
   ZmConfigFile() = default;  ///< No sections; the default section is named "default".
@@ -64,8 +67,7 @@ class ZmConfigFile : public ZmBase {
   /// A value as it is stored in a section: references to "self" and "this" name that section.
   ZmString _localvalue(const ZmString& section, const ZmString& value) const;
   /// A value with its references replaced: unqualified ones are looked up in section `scope`, and
-  /// `self` stands for "self" and "this". An option that leads back to itself gives nothing and a
-  /// warning.
+  /// `self` stands for "self" and "this". Circles are found anew, with their warnings, by each call.
   ZmString _value(const ZmString& scope, const ZmString& self, const ZmString& value) const;
   /// @}
 

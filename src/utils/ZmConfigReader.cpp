@@ -3,39 +3,19 @@
 #include <algorithm>
 #include <iostream>
 #include <memory>
+#include <numeric>
 
 #include "ZmExpander.h"
 #include "ZmRange.h"
 #include "ZmStringList.h"
 #include "ZmText.h"
 
-namespace {
-
-bool hasreference(std::string_view value) { return value.find('$') != std::string_view::npos; }
-
-}  // namespace
-
-std::string zm_local_value(std::string_view section, std::string_view value) {
-  std::string local;
-  for (ZmCursor in(value); !in.eof();) {
-    const std::string_view word = zm_value_word(in);
-    local += word;
-    if (word != "$") continue;
-    if (in.accept('{')) local += '{';
-    const std::string_view name = zm_value_word(in);
-    local += name == "self" || name == "this" ? section : name;
-  }
-  return local;
-}
-
-ZmConfigReader::ZmConfigReader(ZmConfigHash& sections, const ZmString& default_section,
-                               bool lowercase, std::string_view text)
-    : sections_(sections),
-      default_section_(default_section),
-      lowercase_(lowercase),
-      scanner_(text) {
-  waiting_.reserve(64);
-}
+ZmConfigReader::Option::Option(std::string_view l, std::string_view v)
+    : label(l),
+      value(v),
+      hash(ZmSlotTable::hash(l)),
+      references(zm_has_reference(v)),
+      local(references && zm_local_value({}, v) != v) {}
 
 void ZmConfigReader::run() {
   advance();
@@ -46,6 +26,7 @@ void ZmConfigReader::run() {
       break;
     }
   }
+  flush();
   expand();
 }
 
@@ -92,25 +73,20 @@ void ZmConfigReader::parents(std::string_view header) {
 
 // Values are copied as they stand: what is set in the parent later does not reach its children.
 void ZmConfigReader::inherit(const ZmConfig& parent) {
-  flush();  // what waits may be for the parent
-  const bool own = std::any_of(current_.begin(), current_.end(), [&parent](const Target& target) {
-    return target.config == &parent;
-  });
+  std::vector<Option> options;
+  options.reserve(static_cast<std::size_t>(parent._count()));
   for (int i = 0; i < parent._count(); ++i) {
-    const ZmString& label = parent._labelat(i);
-    const std::string_view value = zm_view(parent._optionat(i));
-    // Of its own options a section keeps the texts, which it would destroy while storing them.
-    waiting_.push_back({own ? kept(std::string(zm_view(label))) : zm_view(label),
-                        own ? kept(std::string(value)) : value, ZmSlotTable::hash(zm_view(label)),
-                        hasreference(value), false});
+    options.emplace_back(zm_view(parent._labelat(i)), zm_view(parent._optionat(i)));
+    options.back().local = false;  // they name the parent since it was given them
   }
-  flush();
+  spread(options, &parent);
 }
 
 // False when the line is no option: the file ends there.
 bool ZmConfigReader::option() {
-  if (waiting_.empty()) texts_.clear();
-  std::string_view label = name();
+  std::string longer_label;
+  std::string longer_value;
+  std::string_view label = name(longer_label);
   if (!more_) return false;
   const bool qualified = token_.is('.');
   const std::string_view qualifier = label;
@@ -123,32 +99,32 @@ bool ZmConfigReader::option() {
   if (!more_ || !token_.is('=')) return false;
   advance();
   if (!more_) return false;
-  const std::string_view value = joined(token_.is('"'));
-  const bool references = hasreference(value);
-  const Option option{label, value, ZmSlotTable::hash(label), references,
-                      references && zm_local_value({}, value) != value};
+  const Option option(label, joined(token_.is('"'), longer_value));
   if (qualified) {
     flush();
     store(section(zm_string(qualifier)), option);
   } else {
     if (!headed_ && current_.empty()) current_.push_back(section(default_section_));
-    waiting_.push_back(option);
-    if (waiting_.size() == kWaiting) flush();
+    if (current_.size() == 1) {
+      store(current_.front(), option);
+    } else {
+      waiting_.emplace_back(option.label, option.value);
+    }
   }
   return true;
 }
 
 // The option name at hand, or the quoted one.
-std::string_view ZmConfigReader::name() {
-  if (token_.is('"')) return joined(true);
+std::string_view ZmConfigReader::name(std::string& longer) {
+  if (token_.is('"')) return joined(true, longer);
   const std::string_view word = token_.text;
   advance();
   return word;
 }
 
 // The tokens up to the closing quote, which is passed over, or from the one at hand, whatever it
-// is, up to the end of the line.
-std::string_view ZmConfigReader::joined(bool quoted) {
+// is, up to the end of the line. Several tokens come in `longer`.
+std::string_view ZmConfigReader::joined(bool quoted, std::string& longer) {
   if (quoted) advance();
   const auto ends = [&] { return !more_ || (quoted ? token_.is('"') : token_.endsline()); };
   std::string_view text;
@@ -157,75 +133,90 @@ std::string_view ZmConfigReader::joined(bool quoted) {
     advance();
   }
   if (!ends()) {
-    std::string longer(text);
+    longer = text;
     for (; !ends(); advance()) longer += token_.text;
-    text = kept(std::move(longer));
+    text = longer;
   }
   if (quoted && more_) advance();
   return text;
 }
 
 void ZmConfigReader::flush() {
-  for (const Target& target : current_)
-    for (const Option& option : waiting_) store(target, option);
+  std::vector<Option> options;
+  for (const auto& [label, value] : waiting_) options.emplace_back(label, value);
+  spread(options, nullptr);
   waiting_.clear();
+}
+
+// Stores options in all current sections but the one that lends them. They go to one section after
+// the other, not to all sections one after the other: with thousands of sections that keeps each of
+// them in the cache, and its texts together in memory.
+void ZmConfigReader::spread(const std::vector<Option>& options, const ZmConfig* lender) {
+  if (options.empty()) return;
+  for (const Target& target : current_) {
+    if (target.config == lender) continue;
+    for (const Option& option : options) store(target, option);
+  }
 }
 
 void ZmConfigReader::store(const Target& target, const Option& option) {
   ZmConfig& config = *target.config;
   int label = -1;
   if (option.local) {
-    const std::string value = zm_local_value(zm_view(config.name()), option.value);
-    label = config._store(option.label, option.hash, value);
+    label = config._store(option.label, option.hash, zm_local_value(target.name, option.value));
   } else {
     label = config._store(option.label, option.hash, option.value);
   }
   if (!option.references) return;
-  if (target.created == kOld) {
-    reopened_.insert(&config);
+  if (target.created == kNone || label < 0) {
+    mixed_.insert(&config);
   } else {
-    references_.push_back({target.created, label});
+    std::size_t& last = created_[target.created].reference;
+    references_.push_back({label, last});
+    last = references_.size() - 1;
   }
 }
 
 // The section of this name, made when there is none.
 ZmConfigReader::Target ZmConfigReader::section(const ZmString& name) {
   const ZmSlotTable::Hash hash = ZmSlotTable::hash(zm_view(name));
-  if (ZmConfig* known = sections_._get(zm_view(name), hash)) return {known, kOld};
+  if (ZmConfig* known = sections_._get(zm_view(name), hash))
+    return {known, kNone, zm_view(*sections_._stored(zm_view(name), hash))};
   auto config = std::make_unique<ZmConfig>();
   config->name(name);
   ZmConfig* made = config.get();
-  sections_._set(config.release(), new ZmString(name), hash);
-  created_.push_back(made);
-  return {made, created_.size() - 1};
+  auto key = std::make_unique<ZmString>(name);
+  sections_._set(config.release(), key.release(), hash);
+  created_.push_back({made});
+  return {made, created_.size() - 1, zm_view(made->name())};
 }
 
 // The sections from the last one made to the first, their options in label order.
 void ZmConfigReader::expand() {
-  flush();
   ZmExpander expander(sections_);
-  if (!std::is_sorted(references_.begin(), references_.end()))
-    std::sort(references_.begin(), references_.end());
-  auto end = references_.end();
-  for (std::size_t i = created_.size(); i-- > 0;) {
-    ZmConfig& config = *created_[i];
-    auto begin = end;
-    while (begin != references_.begin() && std::prev(begin)->created == i) --begin;
-    const bool all = reopened_.contains(&config) || (begin != end && begin->label < 0);
-    if (all) {
-      for (int n = 0; n < config._count(); ++n) expand(expander, config, n);
-    } else {
-      for (auto at = begin; at != end; ++at) expand(expander, config, at->label);
-    }
-    end = begin;
+  for (std::size_t i = created_.size(); i-- > 0;)
+    for (const int label : positions(created_[i])) expand(expander, *created_[i].config, label);
+}
+
+// Where options with references may stand in the section.
+std::vector<int> ZmConfigReader::positions(const Created& created) const {
+  std::vector<int> labels;
+  if (mixed_.contains(created.config)) {
+    labels.resize(static_cast<std::size_t>(created.config->_count()));
+    std::iota(labels.begin(), labels.end(), 0);
+  } else {
+    for (std::size_t at = created.reference; at != kNone; at = references_[at].before)
+      labels.push_back(references_[at].label);
+    std::reverse(labels.begin(), labels.end());
   }
+  return labels;
 }
 
 void ZmConfigReader::expand(ZmExpander& expander, ZmConfig& config, int label) {
   const ZmString& value = config._optionat(label);
-  if (!hasreference(zm_view(value))) return;
+  if (!zm_has_reference(zm_view(value))) return;
   const std::string_view section = zm_view(config.name());
   const std::string_view result = expander.expand(section, section, zm_view(value), &value);
   config._replace(label, result);
-  expander.replaced();
+  expander.replaced(value);
 }

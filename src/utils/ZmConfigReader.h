@@ -2,9 +2,7 @@
 #ifndef ZM_CONFIG_READER_H
 #define ZM_CONFIG_READER_H
 
-#include <compare>
 #include <cstddef>
-#include <forward_list>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -20,33 +18,42 @@
 class ZmConfigReader {
  public:
   ZmConfigReader(ZmConfigHash& sections, const ZmString& default_section, bool lowercase,
-                 std::string_view text);
+                 std::string_view text)
+      : sections_(sections),
+        default_section_(default_section),
+        lowercase_(lowercase),
+        scanner_(text) {}
 
   // Reads up to the end, or to the first line that is no option, and expands what it has read.
   void run();
 
  private:
+  static constexpr std::size_t kNone = ~std::size_t{0};
   // A section that receives options.
   struct Target {
     ZmConfig* config;
-    std::size_t created;  // its index among the created ones, or kOld
+    std::size_t created;    // its index among the created ones, or kNone: it was there before
+    std::string_view name;  // under which the file knows it, whatever it is called by now
   };
-  // An option that waits for being stored in the current sections.
+  // An option on its way into sections.
   struct Option {
+    Option(std::string_view label, std::string_view value);
     std::string_view label;
     std::string_view value;
     ZmSlotTable::Hash hash;  // of the label
     bool references;         // whether the value holds any
     bool local;              // whether they name "self" or "this"
   };
-  // An option of a created section that holds references.
-  struct Reference {
-    std::size_t created;
-    int label;  // its position, or -1: any of the section's labels
-    auto operator<=>(const Reference&) const = default;
+  // A section made by this reading.
+  struct Created {
+    ZmConfig* config;
+    std::size_t reference = kNone;  // the last one stored in it
   };
-  static constexpr std::size_t kOld = ~std::size_t{0};
-  static constexpr std::size_t kWaiting = 1024;  // options at most
+  // A new option with references, at position `label` of its section.
+  struct Reference {
+    int label;
+    std::size_t before;  // the one stored in the same section before, or kNone
+  };
 
   void advance() { more_ = scanner_.next(token_); }
   bool skiplines();
@@ -54,13 +61,14 @@ class ZmConfigReader {
   void parents(std::string_view header);
   void inherit(const ZmConfig& parent);
   bool option();
-  std::string_view name();
-  std::string_view joined(bool quoted);
-  std::string_view kept(std::string&& text) { return texts_.emplace_front(std::move(text)); }
+  std::string_view name(std::string& longer);
+  std::string_view joined(bool quoted, std::string& longer);
   void flush();
+  void spread(const std::vector<Option>& options, const ZmConfig* lender);
   void store(const Target& target, const Option& option);
   Target section(const ZmString& name);
   void expand();
+  std::vector<int> positions(const Created& created) const;
   void expand(ZmExpander& expander, ZmConfig& config, int label);
 
   ZmConfigHash& sections_;
@@ -71,16 +79,13 @@ class ZmConfigReader {
   bool more_ = false;
   bool headed_ = false;          // a header has been read
   std::vector<Target> current_;  // the sections of the last header
-  // Options go to one section after the other, not to all sections one after the other: with
-  // thousands of sections that is what keeps each of them in the cache.
-  std::vector<Option> waiting_;
-  std::forward_list<std::string> texts_;  // of waiting options, where they are no single token
-  std::vector<ZmConfig*> created_;        // the sections made by this reading
+  // Labels and values for several current sections, until something else may look at these.
+  std::vector<std::pair<std::string, std::string>> waiting_;
+  std::vector<Created> created_;
+  // Where the references stand, so that the many options without any are not looked at again; but
+  // sections that got some in another way are read through.
   std::vector<Reference> references_;
-  std::unordered_set<const ZmConfig*> reopened_;  // got references under a later header
+  std::unordered_set<const ZmConfig*> mixed_;
 };
-
-// A value with the words "self" and "this" behind a "$" replaced by the section's name.
-std::string zm_local_value(std::string_view section, std::string_view value);
 
 #endif

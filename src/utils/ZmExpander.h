@@ -1,8 +1,6 @@
-// Replaces the references in option values by what they refer to. Internal, under ZmConfigFile.
-//
-// A reference is "$W" or "$W.O", each also in braces, where W and O are words of the value:
-// unqualified it gives option W of the scope section as stored; qualified it gives option O of
-// section W, itself expanded in the same scope.
+// Replaces the references in option values by what they lead to: the option of the scope section as
+// it is stored for an unqualified one, the option itself expanded in the same scope for a qualified
+// one. Internal, under ZmConfigFile.
 #ifndef ZM_EXPANDER_H
 #define ZM_EXPANDER_H
 
@@ -12,108 +10,89 @@
 #include <unordered_map>
 #include <vector>
 
-#include "ZmConfigHash.h"
-#include "ZmCursor.h"
+#include "ZmConfigReference.h"
 #include "ZmString.h"
 
-// The next word of a value: a run of blanks, one of ". { } \ $" or a carriage return alone, or a
-// run of anything else. Empty at the end only. The words of a value join back to it.
-std::string_view zm_value_word(ZmCursor& in);
-
-// Expands any number of values against one set of sections. Between two calls a caller may put the
-// result in the place of the option that was expanded and tells so by replaced(); sections are
-// neither added nor removed.
+// Expands any number of values against one set of sections, in one reading: sections are neither
+// added nor removed while it lives, and only replaced() options change.
 //
-// References that lead back to an option under expansion give nothing, and one warning for each
-// value expanded. The chain of options under expansion is kept here, not on the stack. Results are
-// remembered from an option's second expansion on, and what an option that is nothing but a
-// reference leads to is known at once, so the time follows the size of values and results whatever
-// the depth of the references. Only the ways through a tangle of cycles, which may be more than can
-// ever be walked, are bounded: after kReread bytes of values that were read again its references
-// give nothing.
+// Options that hold a "$" and refer to each other by qualified references in a circle (a strongly
+// connected component) stay one until the reading ends: references between them give nothing, and
+// the one that is reached first is named in a warning. Circles are searched for only when a
+// reference meets an option that is being expanded, so files without any never pay for it.
+//
+// Options under expansion stand in a chain here, not on the stack. Their results are remembered, so
+// that the cost follows the texts and what they expand to. But a result that depends on the scope
+// stands in that scope only, and until an option that it copied is replaced: N sections that look
+// through the same K such options take N x K steps.
 class ZmExpander {
  public:
-  explicit ZmExpander(const ZmConfigHash& sections) : sections_(sections) {}
+  explicit ZmExpander(const ZmConfigHash& sections) : scope_{sections, {}} {}
 
   // Expands `value` for the section `scope`, with `self` standing for "self" and "this". `option`
   // is the stored text that has this value, or null. The result is lent until the next call.
   std::string_view expand(std::string_view scope, std::string_view self, std::string_view value,
                           const ZmString* option);
 
-  // The option expanded last now holds the result.
-  void replaced();
+  // The option now holds what it expands to in the scope at hand.
+  void replaced(const ZmString& option);
 
  private:
-  static constexpr long long kReread = 100'000'000;
-  static constexpr std::size_t kNone = ~std::size_t{0};
+  static constexpr std::size_t kEver = ~std::size_t{0};
 
-  // An option that others refer to.
+  // An option with a "$" that others refer to. Where a result stands, so do those of all options
+  // that it rests on.
   struct Node {
-    std::string_view section;  // lent by it
+    std::string section;  // as the file knows it
     std::string label;
     const ZmString* value = nullptr;
-    std::size_t depth = kNone;  // its place in the chain while under expansion
-    int tangle = -1;            // the tangle of cycles that it belongs to
-    bool knotted = false;       // it was found in a cycle
-    bool once = false;          // so it was, but before something that it rests on was replaced
-    bool copied = false;        // an unqualified reference copied it unexpanded
-    bool linked = false;        // what it refers to knows it as a user
-    bool again = false;         // it has been expanded before
-    bool known = false;         // the result stands ...
-    const ZmConfig* scope = nullptr;  // ... unless null, in this scope only, and there ...
-    unsigned epoch = 0;               // ... until an option that was copied is replaced
-    const Node* cycle = nullptr;      // what led back to itself under it
-    std::string result;
-    Node* alias = nullptr;     // the option at whose expansion this one always ends up
-    std::vector<Node*> users;  // those that refer to this option
+
+    bool entered = false;    // it is under expansion: it stands in the chain, or did when it ended
+    std::size_t start = 0;   // its result is this part of out_ ...
+    std::size_t length = 0;  // ...
+    std::size_t stands = 0;  // ... while this is the epoch, or for kEver: 0, it has none
+    bool copied = false;     // an unqualified reference copied it into a result of this epoch
+    std::vector<Node*> users;  // the options whose texts refer to it, once they have been expanded
+    bool linked = false;       // this option is in the lists of all that its text refers to
+
+    Node* circle = nullptr;  // leads on to the one that stands for the circle; itself, if it does
+    bool named = false;      // the circle for which it stands has been named
+    std::size_t order = 0;   // place in the last search that met it ...
+    std::size_t low = 0;     // ... and the first place that it leads back to
   };
-
-  // An option under expansion.
+  // A value that is being read: the one asked for, which may have no node, or one under it.
   struct Frame {
-    Frame(Node* of, std::string_view section, std::string_view value, std::size_t from)
-        : node(of), self(section), in(value), start(from) {}
-
-    Node* node;  // null: nobody refers to it
+    Node* node;
     std::string_view self;
     ZmCursor in;
-    std::size_t start;                // of its result in out_
-    std::size_t tangled = 0;          // how many tangled_ there were before it
-    std::size_t back = kNone;         // the first place in the chain that it led back to
-    const ZmConfig* scope = nullptr;  // set when the result depends on the scope
-    const Node* cycle = nullptr;
-    Node* only = nullptr;  // the option that the result comes from, while ...
-    bool mixed = false;    // ... it comes from nothing else
+    std::size_t start;    // of its result in out_
+    bool scoped = false;  // the result depends on the scope
   };
-
-  bool step(Frame& frame);
-  bool qualified(Frame& frame, std::string_view name, bool braced);
-  void unqualified(Frame& frame, std::string_view word, bool braced);
-  bool refer(Frame& frame, const ZmConfig& config, std::string_view label, const ZmString& value);
-  Node& node(const ZmConfig& config, std::string_view label, const ZmString& value);
-  bool tiring(const Node& node);
-  void enter(Node& node);
+  bool walk(std::string_view self, std::string_view value, const ZmString* option);
+  Node* step(Frame& frame);
+  void enter(Node* node, std::string_view self, std::string_view value);
   void leave();
-  void settle(const Frame& frame, std::size_t depth);
-  void cut(Frame& frame, const Node& node, std::size_t depth);
-  void recall(Frame& frame, const Node& node);
-  bool usable(const Node& node) const;
-  void write(Frame& frame, std::string_view text);
+  void search(std::string_view self, std::string_view value);
+  Node* edge(Frame& frame);
+  static void close(Node& first, std::vector<Node*>& open);
+  static void join(Node& node, Node& with);
+  static Node* circle(Node& node);
+  bool cut(Node* from, const ZmString& to);
+  Node& node(const ZmConfigPiece& piece);
+  bool stands(const Node& node) const { return node.stands == kEver || node.stands == epoch_; }
+  void forget();
   void append(std::string_view text);
-  const ZmConfig* section(std::string_view name) const;
 
-  const ZmConfigHash& sections_;
+  ZmConfigScope scope_;
   std::unordered_map<const ZmString*, Node> nodes_;
   std::vector<Frame> chain_;
+  // Remembered results, one in the other as they were made, and the result at hand behind them.
   std::string out_;
-  std::vector<Node*> tangled_;  // options of cycles whose first option is still under expansion
-  std::vector<int> open_;       // for each tangle: how many of its options are under expansion
-  std::string_view scope_;
-  const ZmConfig* scope_section_ = nullptr;
-  const ZmString* root_ = nullptr;
-  const Node* cycle_ = nullptr;  // of the last result
-  bool scoped_ = false;          // whether it depends on its scope
-  unsigned epoch_ = 0;
-  long long reread_ = 0;
+  std::size_t start_ = 0;   // where the result at hand begins
+  std::size_t kept_ = 0;    // where remembered results end ...
+  std::size_t free_ = 0;    // ... and those that do not depend on the scope
+  std::size_t epoch_ = 1;   // results that depend on the scope stand for one epoch
+  std::size_t visits_ = 0;  // places given by all searches
 };
 
 #endif

@@ -139,6 +139,14 @@ void* ZmSlotTable::get(std::string_view key, Hash key_hash) const {
   return pair == overflow_->end() ? nullptr : pair->second.second;
 }
 
+const ZmString* ZmSlotTable::stored(std::string_view key, Hash key_hash) const {
+  const int at = locate(key, key_hash).found;
+  if (at >= 0) return keys_[at];
+  if (!overflow_) return nullptr;
+  const auto pair = overflow_->find(key);
+  return pair == overflow_->end() ? nullptr : pair->second.first;
+}
+
 void* ZmSlotTable::remove(const ZmString& key) {
   if (count_ < 1) return nullptr;
   void* value = nullptr;

@@ -40,6 +40,7 @@ class ZmSlotTable {
   int entries() const { return entries_; }
   void* get(const ZmString& key) const { return get(zm_view(key), hash(zm_view(key))); }
   void* get(std::string_view key, Hash key_hash) const;
+  const ZmString* stored(std::string_view key, Hash key_hash) const;  // the key itself, or null
   // Where a key is and where set() would put it, as slots; -1: nowhere.
   struct Spot {
     int found = -1;

@@ -48,6 +48,12 @@ GROWTHS = {
     "growth-1-64-MB": (["flat", 2850, 10], ["flat", 182400, 10], None),
     "growth-hosts": (["pattern", 20000, 1], ["pattern", 160000, 1], 8),
     "growth-options": (["pattern", 20000, 1], ["pattern", 20000, 8], 8),
+    "growth-chain": (["chain", 125000], ["chain", 1000000], 8),
+    "growth-ring": (["ring", 125000], ["ring", 1000000], 8),
+    "growth-diamond": (["diamond", 20000], ["diamond", 160000], 8),
+    "growth-pairs": (["pairs", 20000], ["pairs", 160000], 8),
+    "growth-shared": (["shared", 20000], ["shared", 160000], 8),
+    "growth-elsewhere": (["elsewhere", 20000], ["elsewhere", 160000], 8),
 }
 
 

@@ -15,6 +15,12 @@ a flat text and the labels of a wide one.
   chains-m4 SECTIONS              the same as input for m4
   quoted VALUES BYTES             long quoted values, 20 to a section
   names HOSTS                     one pattern header with one option
+  chain OPTIONS                   each option refers to the next one
+  ring OPTIONS                    the same, and the last one to the first
+  diamond LEVELS                  each option refers to the next one twice, the last one is empty
+  pairs OPTIONS                   each option refers to two others, with text between
+  shared OPTIONS                  as many options copied unexpanded, and under one long chain
+  elsewhere HOSTS                 one pattern header, then HOSTS options of another section
   small COUNT BYTES DIRECTORY     COUNT files of about BYTES bytes in DIRECTORY, names printed
 """
 
@@ -178,6 +184,49 @@ def names(count):
     yield f"[host[{1:0{width}}-{count}]]\npool = render\n"
 
 
+def chain(count, last=None):
+    yield "[a]\n"
+    for n in range(count - 1):
+        yield f"o{n} = $a.o{n + 1}\n"
+    yield f"o{count - 1} = {last or 'end'}\n"
+
+
+def ring(count):
+    return chain(count, "$a.o0")
+
+
+def diamond(levels):
+    yield "[a]\n"
+    for n in range(levels):
+        yield f'o{n} = "${{a.o{n + 1}}}${{a.o{n + 1}}}"\n'
+    yield f"o{levels} = $nosuch\n"
+
+
+def pairs(count):
+    rng = random.Random(SEED)
+    yield "[a]\n"
+    for n in range(count):
+        one, two = rng.randrange(count), rng.randrange(count)
+        yield f'o{n} = "one ${{a.o{one}}} two ${{a.o{two}}}"\n'
+
+
+def shared(count):
+    yield "[base]\n"
+    for n in range(count):
+        yield f'x{n} = "${{base.x{n + 1}}}${{base.e}}"\n'
+    yield f'x{count} = "' + "".join(f"${{s.a{n}}}" for n in range(count)) + '"\n'
+    yield "e = $nosuch\n[s]\n"
+    for option, value in (("a", "$b%d"), ("c", "$base.x0"), ("b", "$base.e")):
+        for n in range(count):
+            yield f"{option}{n} = {value.replace('%d', str(n))}\n"
+
+
+def elsewhere(count):
+    yield f"[n[1-{count}]]\n"
+    for n in range(count):
+        yield "other . k = 1\n"
+
+
 def small(count, size, directory):
     """Writes the files and gives their names."""
     rng = random.Random(SEED)
@@ -196,7 +245,8 @@ def small(count, size, directory):
 
 
 KINDS = {"flat": flat, "wide": wide, "pattern": pattern, "pattern-expanded": pattern_expanded,
-         "chains": chains, "chains-m4": chains_m4, "quoted": quoted, "names": names, "small": small}
+         "chains": chains, "chains-m4": chains_m4, "quoted": quoted, "names": names, "small": small, "chain": chain, "ring": ring,
+         "diamond": diamond, "pairs": pairs, "shared": shared, "elsewhere": elsewhere}
 
 
 def main(arguments):

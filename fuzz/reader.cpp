@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ZmConfigFile.h"
+#include "ZmConfigPlaces.h"
 #include "ZmConfigReference.h"
 #include "ZmConfigScanner.h"
 #include "ZmText.h"
@@ -35,11 +36,12 @@ bool modest(std::string_view text) {
 // Tokens stand in the text one behind the other, and at the place that is told.
 void checktokens(std::string_view text) {
   ZmConfigScanner scanner(text);
+  const ZmConfigPlaces places(text);
   std::size_t offset = 0;
   ZmConfigPosition last;
   for (ZmConfigToken token; scanner.next(token); offset = token.offset) {
     require(token.offset >= offset && token.offset <= text.size());
-    const ZmConfigPosition at = scanner.position(token);
+    const ZmConfigPosition at = places.at(token.offset);
     require(at.line > last.line || (at.line == last.line && at.column >= last.column));
     last = at;
   }

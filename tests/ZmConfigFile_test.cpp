@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "ZmConfigPlaces.h"
 #include "ZmConfigScanner.h"
 #include "ZmText.h"
 
@@ -83,15 +84,16 @@ TEST(ZmConfigFile, Tokenizes) {
 TEST(ZmConfigScanner, KnowsWhereTokensStand) {
   const std::string source("\x01 a\xe9\x62 \"q\\\"\" \r\n{x\r\ny}\rz\n\n#c\n=  ");
   ZmConfigScanner scanner(source);
+  const ZmConfigPlaces text(source);
   std::string places;
   ZmConfigToken first, token;
   while (scanner.next(token)) {
     if (places.empty()) first = token;
-    const ZmConfigPosition at = scanner.position(token);
+    const ZmConfigPosition at = text.at(token.offset);
     places += std::to_string(at.line) + ":" + std::to_string(at.column) + " ";
   }
   EXPECT_EQ(places, "1:3 1:7 1:8 1:11 1:13 1:14 2:1 3:3 4:1 4:2 5:1 6:3 7:1 7:4 ");
-  EXPECT_EQ(scanner.position(first).column, 3);
+  EXPECT_EQ(text.at(first.offset).column, 3);
 }
 
 TEST(ZmConfigFile, ReadsValues) {

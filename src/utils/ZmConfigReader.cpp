@@ -38,16 +38,20 @@ bool ZmConfigReader::skiplines() {
 
 void ZmConfigReader::header() {
   ZmString name;
+  const std::size_t at = token_.offset;
   advance();
   for (int depth = 0; more_ && !(token_.is(']') && depth == 0); advance()) {
     if (token_.is('[')) ++depth;
     if (token_.is(']')) --depth;
     zm_append(name, token_.text);
   }
+  const bool closed = more_;
   if (more_) advance();
   flush();
   ZmStringList names;
-  ZmRange::patternsplit(0, lowercase_ ? name.tolower() : name, names);
+  const ZmString pattern = lowercase_ ? name.tolower() : name;
+  ZmRange::patternsplit(0, pattern, names);
+  if (observer_) observer_->header({at, closed, zm_view(pattern), names});
   headed_ = true;
   current_.clear();
   current_.reserve(static_cast<std::size_t>(names.length()));
@@ -62,9 +66,10 @@ void ZmConfigReader::parents(std::string_view header) {
   for (; more_ && !token_.endsline(); advance()) {
     const ZmString written = zm_string(token_.text);
     const ZmConfig* parent = sections_.get(lowercase_ ? written.tolower() : written);
+    if (observer_) observer_->parent(token_, parent);
     if (parent) {
       inherit(*parent);
-    } else {
+    } else if (!observer_) {
       std::cerr << "WARNING: " + std::string(header) + " missing parent " +
                        std::string(token_.text) + "... skipping.\n";
     }
@@ -78,6 +83,8 @@ void ZmConfigReader::inherit(const ZmConfig& parent) {
   for (int i = 0; i < parent._count(); ++i) {
     options.emplace_back(zm_view(parent._labelat(i)), zm_view(parent._optionat(i)));
     options.back().local = false;  // they name the parent since it was given them
+    options.back().parent = &parent;
+    options.back().number = static_cast<std::size_t>(i);
   }
   spread(options, &parent);
 }
@@ -86,20 +93,29 @@ void ZmConfigReader::inherit(const ZmConfig& parent) {
 bool ZmConfigReader::option() {
   std::string longer_label;
   std::string longer_value;
+  const std::size_t at = token_.offset;
+  std::size_t label_at = at;
   std::string_view label = name(longer_label);
-  if (!more_) return false;
+  if (!more_) return stop(at, label, false);
   const bool qualified = token_.is('.');
   const std::string_view qualifier = label;
   if (qualified) {
     advance();
-    if (!more_) return false;
+    if (!more_) return stop(at, qualifier, false);
     label = token_.text;
+    label_at = token_.offset;
     advance();
   }
-  if (!more_ || !token_.is('=')) return false;
+  if (!more_ || !token_.is('=')) return stop(at, label, false);
   advance();
-  if (!more_) return false;
-  const Option option(label, joined(token_.is('"'), longer_value));
+  if (!more_) return stop(at, label, true);
+  const std::size_t value_at = token_.offset;
+  Option option(label, joined(token_.is('"'), longer_value));
+  option.number = lines_++;
+  if (observer_) {
+    const std::size_t qualifier_at = qualified ? at : ZmConfigLine::kNone;
+    observer_->option({label_at, qualifier_at, value_at, label, qualifier, option.value});
+  }
   if (qualified) {
     flush();
     store(section(zm_string(qualifier)), option);
@@ -108,10 +124,16 @@ bool ZmConfigReader::option() {
     if (current_.size() == 1) {
       store(current_.front(), option);
     } else {
+      if (waiting_.empty()) waiting_from_ = option.number;
       waiting_.emplace_back(option.label, option.value);
     }
   }
   return true;
+}
+
+bool ZmConfigReader::stop(std::size_t at, std::string_view name, bool equals) {
+  if (observer_) observer_->stop({at, name, equals});
+  return false;
 }
 
 // The option name at hand, or the quoted one.
@@ -143,7 +165,11 @@ std::string_view ZmConfigReader::joined(bool quoted, std::string& longer) {
 
 void ZmConfigReader::flush() {
   std::vector<Option> options;
-  for (const auto& [label, value] : waiting_) options.emplace_back(label, value);
+  std::size_t number = waiting_from_;
+  for (const auto& [label, value] : waiting_) {
+    options.emplace_back(label, value);
+    options.back().number = number++;
+  }
   spread(options, nullptr);
   waiting_.clear();
 }
@@ -167,6 +193,7 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
   } else {
     label = config._store(option.label, option.hash, option.value);
   }
+  if (observer_) told(target, label, option);
   if (!option.references) return;
   if (target.created == kNone || label < 0) {
     mixed_.insert(&config);
@@ -177,23 +204,32 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
   }
 }
 
+void ZmConfigReader::told(const Target& target, int label, const Option& option) {
+  const ZmConfig& config = *target.config;
+  const ZmString& value = label < 0 ? *config._find(option.label) : config._optionat(label);
+  observer_->stored(config, value, option.parent, option.number);
+}
+
 // The section of this name, made when there is none.
 ZmConfigReader::Target ZmConfigReader::section(const ZmString& name) {
   const ZmSlotTable::Hash hash = ZmSlotTable::hash(zm_view(name));
-  if (ZmConfig* known = sections_._get(zm_view(name), hash))
+  if (ZmConfig* known = sections_._get(zm_view(name), hash)) {
+    if (observer_) observer_->section(*known, false);
     return {known, kNone, zm_view(*sections_._stored(zm_view(name), hash))};
+  }
   auto config = std::make_unique<ZmConfig>();
   config->name(name);
   ZmConfig* made = config.get();
   auto key = std::make_unique<ZmString>(name);
   sections_._set(config.release(), key.release(), hash);
   created_.push_back({made});
+  if (observer_) observer_->section(*made, true);
   return {made, created_.size() - 1, zm_view(made->name())};
 }
 
 // The sections from the last one made to the first, their options in label order.
 void ZmConfigReader::expand() {
-  ZmExpander expander(sections_);
+  ZmExpander expander(sections_, observer_);
   for (std::size_t i = created_.size(); i-- > 0;)
     for (const int label : positions(created_[i])) expand(expander, *created_[i].config, label);
 }
@@ -215,8 +251,10 @@ std::vector<int> ZmConfigReader::positions(const Created& created) const {
 void ZmConfigReader::expand(ZmExpander& expander, ZmConfig& config, int label) {
   const ZmString& value = config._optionat(label);
   if (!zm_has_reference(zm_view(value))) return;
+  if (observer_) observer_->expand(config, value);
   const std::string_view section = zm_view(config.name());
   const std::string_view result = expander.expand(section, section, zm_view(value), &value);
+  if (observer_) observer_->expanded(config, value, result);
   config._replace(label, result);
   expander.replaced(value);
 }

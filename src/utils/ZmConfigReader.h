@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ZmConfigHash.h"
+#include "ZmConfigObserver.h"
 #include "ZmConfigScanner.h"
 #include "ZmExpander.h"
 #include "ZmString.h"
@@ -18,10 +19,11 @@
 class ZmConfigReader {
  public:
   ZmConfigReader(ZmConfigHash& sections, const ZmString& default_section, bool lowercase,
-                 std::string_view text)
+                 std::string_view text, ZmConfigObserver* observer = nullptr)
       : sections_(sections),
         default_section_(default_section),
         lowercase_(lowercase),
+        observer_(observer),
         scanner_(text) {}
 
   // Reads up to the end, or to the first line that is no option, and expands what it has read.
@@ -40,9 +42,11 @@ class ZmConfigReader {
     Option(std::string_view label, std::string_view value);
     std::string_view label;
     std::string_view value;
-    ZmSlotTable::Hash hash;  // of the label
-    bool references;         // whether the value holds any
-    bool local;              // whether they name "self" or "this"
+    ZmSlotTable::Hash hash;            // of the label
+    bool references;                   // whether the value holds any
+    bool local;                        // whether they name "self" or "this"
+    const ZmConfig* parent = nullptr;  // that lends it
+    std::size_t number = 0;            // its place there, or among the lines told to the observer
   };
   // A section made by this reading.
   struct Created {
@@ -55,17 +59,22 @@ class ZmConfigReader {
     std::size_t before;  // the one stored in the same section before, or kNone
   };
 
-  void advance() { more_ = scanner_.next(token_); }
+  void advance() {
+    more_ = scanner_.next(token_);
+    if (observer_) observer_->token(token_, scanner_);
+  }
   bool skiplines();
   void header();
   void parents(std::string_view header);
   void inherit(const ZmConfig& parent);
   bool option();
+  bool stop(std::size_t at, std::string_view name, bool equals);
   std::string_view name(std::string& longer);
   std::string_view joined(bool quoted, std::string& longer);
   void flush();
   void spread(const std::vector<Option>& options, const ZmConfig* lender);
   void store(const Target& target, const Option& option);
+  void told(const Target& target, int label, const Option& option);
   Target section(const ZmString& name);
   void expand();
   std::vector<int> positions(const Created& created) const;
@@ -74,6 +83,7 @@ class ZmConfigReader {
   ZmConfigHash& sections_;
   const ZmString& default_section_;
   const bool lowercase_;
+  ZmConfigObserver* const observer_;  // null: nobody wants to know
   ZmConfigScanner scanner_;
   ZmConfigToken token_;  // the token at hand, while more_
   bool more_ = false;
@@ -81,6 +91,8 @@ class ZmConfigReader {
   std::vector<Target> current_;  // the sections of the last header
   // Labels and values for several current sections, until something else may look at these.
   std::vector<std::pair<std::string, std::string>> waiting_;
+  std::size_t waiting_from_ = 0;  // number of the first of these among the options read
+  std::size_t lines_ = 0;         // options read so far
   std::vector<Created> created_;
   // Where the references stand, so that the many options without any are not looked at again; but
   // sections that got some in another way are read through.

@@ -41,12 +41,18 @@ ZmConfigPiece ZmConfigScope::next(ZmCursor& in, std::string_view self) const {
   piece.qualified = in.is('.');
   piece.scoped = !piece.qualified;
   const ZmConfig* home = piece.qualified ? section(word) : config;
+  piece.section = piece.qualified ? word : name;
+  piece.known = home;
   if (!home) return piece;  // the reference is dropped up to here, what follows is text
   if (piece.qualified) in.take();
   // Behind an unqualified reference the next word is always lost, whatever it is.
   const std::string_view behind = zm_value_word(in);
-  if (braced) in.accept('}');
-  piece.section = piece.qualified ? word : name;
+  const bool closed = braced && !piece.qualified && behind == "}";
+  if (!piece.qualified && !closed) piece.lost = behind;
+  if (braced && in.is('}')) {
+    const std::string_view brace = in.take();
+    if (closed) piece.lost = brace;
+  }
   piece.label = piece.qualified ? behind : word;
   if (piece.label == "_") {
     piece.text = piece.section;

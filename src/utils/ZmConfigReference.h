@@ -27,9 +27,11 @@ std::string zm_local_value(std::string_view section, std::string_view value);
 struct ZmConfigPiece {
   std::string_view text;            // copied as it is
   std::string_view section, label;  // of a reference
+  std::string_view lost;            // text that an unqualified reference swallows
   const ZmString* value = nullptr;  // the option that it leads to; null: none
   bool qualified = false;
   bool scoped = false;  // what it gives depends on the scope
+  bool known = false;   // a reference with a section
 };
 
 // Where the references of a value are looked up.

@@ -6,8 +6,6 @@ namespace {
 
 constexpr ZmCharSet kBlank(" \t"), kSign("\n:[]=\r}\\"), kWordStop(" \t\"\n:[]=\r{}\\#");
 
-bool kept(char c) { return (c >= 32 && c <= 126) || c == '\t' || c == '\n' || c == '\r'; }
-
 // In blocks of a fixed size and without branches: the compiler takes many bytes at a time.
 bool allkept(std::string_view text) {
   constexpr std::size_t kBlock = 64;
@@ -22,7 +20,7 @@ bool allkept(std::string_view text) {
     }
     dropped |= any;
   }
-  for (; at < text.size(); ++at) dropped |= !kept(text[at]);
+  for (; at < text.size(); ++at) dropped |= !ZmConfigScanner::kept(text[at]);
   return dropped == 0;
 }
 
@@ -41,6 +39,7 @@ bool ZmConfigScanner::next(ZmConfigToken& token) {
   if (pending_ != Pending::kNone) return pending(token);
   bool blank = !in_.skip(kBlank).empty();
   if (in_.is('#')) {
+    comment_ = offset();
     in_.until_far("\n\r");
     blank = false;
   }
@@ -83,7 +82,7 @@ std::string_view ZmConfigScanner::braced() {
     if (in_.accept('}')) escaped = true;
   }
   const std::string_view text = start.rest().substr(0, start.left() - in_.left());
-  in_.take();
+  if (in_.take().empty()) unclosed_ = text_.size() - start.left() - 1;
   return escaped ? unescaped(text, '}', false) : text;
 }
 
@@ -110,21 +109,4 @@ std::string_view ZmConfigScanner::unescaped(std::string_view text, char close, b
     plain += in.take();
   }
   return plain;
-}
-
-ZmConfigPosition ZmConfigScanner::position(const ZmConfigToken& token) {
-  if (token.offset < passed_) {
-    passed_ = read_ = 0;
-    here_ = {};
-  }
-  while (read_ < source_.size()) {
-    const char c = source_[read_];
-    if (kept(c) && passed_ == token.offset) break;
-    passed_ += kept(c);
-    ++read_;
-    ++here_.column;
-    if (c == '\n' || (c == '\r' && (read_ == source_.size() || source_[read_] != '\n')))
-      here_ = {here_.line + 1, 1};
-  }
-  return here_;
 }

@@ -1,5 +1,5 @@
-// Cuts the text of a macro configuration file into tokens and knows where each one stands.
-// Internal; ZmConfigFile::tokenize() and the reader are its callers.
+// Cuts the text of a macro configuration file into tokens. Internal;
+// ZmConfigFile::tokenize() and the reader are its callers.
 #ifndef ZM_CONFIG_SCANNER_H
 #define ZM_CONFIG_SCANNER_H
 
@@ -19,12 +19,6 @@ struct ZmConfigToken {
   bool endsline() const { return is('\n') || is('\r'); }
 };
 
-// A place in the source: lines and columns count from 1, columns in bytes.
-struct ZmConfigPosition {
-  long line = 1;
-  long column = 1;
-};
-
 class ZmConfigScanner {
  public:
   // Borrows the text for the scanner's lifetime. What is neither printable ASCII nor a tab or line
@@ -35,9 +29,14 @@ class ZmConfigScanner {
 
   bool next(ZmConfigToken& token);  // false at the end
 
-  // Where the token starts in the source. Asked for tokens in their order, all answers together
-  // take one pass over the source.
-  ZmConfigPosition position(const ZmConfigToken& token);
+  static bool kept(char c) { return (c >= 32 && c <= 126) || c == '\t' || c == '\n' || c == '\r'; }
+
+  // The cleaned text, lent: the source itself when there is nothing to drop.
+  std::string_view text() const { return text_; }
+  // Where the last comment that was passed over starts, and a brace that is never closed.
+  std::size_t comment() const { return comment_; }
+  std::size_t unclosed() const { return unclosed_; }
+  static constexpr std::size_t kNone = ~std::size_t{0};  // there is none (yet)
 
  private:
   enum class Pending { kNone, kContent, kQuote };
@@ -56,9 +55,8 @@ class ZmConfigScanner {
   Pending pending_ = Pending::kNone;          // what of a quoted value comes next
   ZmConfigToken content_;                     // its content
   std::size_t close_ = 0;                     // offset of its closing quote
-  std::size_t passed_ = 0;                    // position(): cleaned bytes passed,
-  std::size_t read_ = 0;                      // the source bytes they come from,
-  ZmConfigPosition here_;                     // and the place reached
+  std::size_t comment_ = kNone;
+  std::size_t unclosed_ = kNone;
 };
 
 #endif

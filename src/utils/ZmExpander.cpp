@@ -14,6 +14,7 @@ std::string_view ZmExpander::expand(std::string_view scope, std::string_view sel
   if (config != scope_.config) forget();
   scope_.name = scope;
   scope_.config = config;
+  option_ = option;
   while (!walk(self, value, option)) search(self, value);
   return std::string_view(out_).substr(start_);
 }
@@ -72,10 +73,13 @@ bool ZmExpander::walk(std::string_view self, std::string_view value, const ZmStr
 ZmExpander::Node* ZmExpander::step(Frame& frame) {
   const bool remembered = chain_.size() > 1;
   while (!frame.in.eof()) {
+    const bool reference = frame.in.is('$');
     const ZmConfigPiece piece = scope_.next(frame.in, frame.self);
+    const bool circle = piece.value && piece.qualified && cut(frame.node, *piece.value);
+    if (observer_ && reference) tell(frame, piece, circle);
     frame.scoped |= piece.scoped;
     append(piece.text);
-    if (!piece.value || (piece.qualified && cut(frame.node, *piece.value))) continue;
+    if (!piece.value || circle) continue;
     const std::string_view value = zm_view(*piece.value);
     if (!zm_has_reference(value)) {
       append(value);
@@ -99,6 +103,7 @@ void ZmExpander::enter(Node* node, std::string_view self, std::string_view value
   node->entered = true;
   Node* in = circle(*node);
   if (!in || std::exchange(in->named, true)) return;
+  if (observer_) return observer_->circle(*node->value);
   std::cerr << "WARNING: section " + node->section + " option " + node->label +
                    " refers to itself... skipping.\n";
 }
@@ -116,6 +121,7 @@ void ZmExpander::leave() {
   node.linked = true;
   kept_ = out_.size();
   if (!frame.scoped) free_ = kept_;
+  if (observer_) observer_->leave(std::string_view(out_).substr(frame.start));
 }
 
 // Finds the circles among the options that a value leads to (R. Tarjan, "Depth-first search and
@@ -204,4 +210,21 @@ ZmExpander::Node& ZmExpander::node(const ZmConfigPiece& piece) {
 void ZmExpander::append(std::string_view text) {
   if (text.size() >= INT_MAX - (out_.size() - start_)) throw std::bad_alloc();
   out_ += text;
+}
+
+void ZmExpander::tell(Frame& frame, const ZmConfigPiece& piece, bool circle) {
+  const bool asked = chain_.size() == 1;
+  std::string_view result = piece.text;
+  bool nested = false;
+  if (piece.value && !circle) {
+    result = zm_view(*piece.value);
+    if (piece.qualified && zm_has_reference(result)) {
+      const Node& to = node(piece);
+      nested = !stands(to);
+      result = std::string_view(out_).substr(to.start, nested ? 0 : to.length);
+    }
+  }
+  observer_->use({asked ? option_ : frame.node->value, asked ? scope_.name : frame.self,
+                  scope_.name, frame.references++, chain_.size() - 1, piece, circle, nested,
+                  result});
 }

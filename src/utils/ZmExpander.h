@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "ZmConfigObserver.h"
 #include "ZmConfigReference.h"
 #include "ZmString.h"
 
@@ -27,7 +28,8 @@
 // through the same K such options take N x K steps.
 class ZmExpander {
  public:
-  explicit ZmExpander(const ZmConfigHash& sections) : scope_{sections, {}} {}
+  explicit ZmExpander(const ZmConfigHash& sections, ZmConfigObserver* observer = nullptr)
+      : scope_{sections, {}}, observer_(observer) {}
 
   // Expands `value` for the section `scope`, with `self` standing for "self" and "this". `option`
   // is the stored text that has this value, or null. The result is lent until the next call.
@@ -65,8 +67,9 @@ class ZmExpander {
     Node* node;
     std::string_view self;
     ZmCursor in;
-    std::size_t start;    // of its result in out_
-    bool scoped = false;  // the result depends on the scope
+    std::size_t start;           // of its result in out_
+    bool scoped = false;         // the result depends on the scope
+    std::size_t references = 0;  // told to the observer
   };
   bool walk(std::string_view self, std::string_view value, const ZmString* option);
   Node* step(Frame& frame);
@@ -82,8 +85,11 @@ class ZmExpander {
   bool stands(const Node& node) const { return node.stands == kEver || node.stands == epoch_; }
   void forget();
   void append(std::string_view text);
+  void tell(Frame& frame, const ZmConfigPiece& piece, bool circle);
 
   ZmConfigScope scope_;
+  ZmConfigObserver* observer_;        // null: nobody wants to know
+  const ZmString* option_ = nullptr;  // that is asked for
   std::unordered_map<const ZmString*, Node> nodes_;
   std::vector<Frame> chain_;
   // Remembered results, one in the other as they were made, and the result at hand behind them.

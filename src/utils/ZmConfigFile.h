@@ -67,7 +67,8 @@ class ZmConfigFile : public ZmBase {
   /// A value as it is stored in a section: references to "self" and "this" name that section.
   ZmString _localvalue(const ZmString& section, const ZmString& value) const;
   /// A value with its references replaced: unqualified ones are looked up in section `scope`, and
-  /// `self` stands for "self" and "this". Circles are found anew, with their warnings, by each call.
+  /// `self` stands for "self" and "this". Circles are found anew, with their warnings, by each
+  /// call.
   ZmString _value(const ZmString& scope, const ZmString& self, const ZmString& value) const;
   /// @}
 

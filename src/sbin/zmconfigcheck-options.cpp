@@ -1,0 +1,146 @@
+#include "zmconfigcheck-options.h"
+
+#include <getopt.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <cstdlib>
+#include <iostream>
+
+#include "ZmConfigCheck.h"
+#include "ZmVersion.h"
+
+namespace {
+
+constexpr std::string_view kHelp =
+    "Usage: zmconfigcheck [OPTION...] FILE...\n"
+    "Tells what is wrong in macro configuration files, and where.\n"
+    "\n"
+    "  --ignore RULE[,RULE]  silences rules\n"
+    "  --only RULE[,RULE]    silences all other rules\n"
+    "  --strict              warnings make the status 1, too\n"
+    "  --lowercase           names of sections in headers and of parents are lower-cased\n"
+    "  --limit N             shows N findings a file, 0 for all (default: 1000)\n"
+    "  --color WHEN          auto, always or never\n"
+    "  --rules               lists every rule with an example and its remedy\n"
+    "  -h, --help            prints this text\n"
+    "  --version             prints the version of Torvel\n"
+    "\n"
+    "Options and files may stand in any order; \"--\" ends options; \"-\" is standard input.\n"
+    "Status: 0 nothing wrong, 1 errors were found, 2 it could not be checked.\n";
+
+enum Code { kIgnore = 256, kOnly, kStrict, kLowercase, kLimit, kColor, kRules, kVersion };
+
+const option kOptions[] = {{"ignore", required_argument, nullptr, kIgnore},
+                           {"only", required_argument, nullptr, kOnly},
+                           {"strict", no_argument, nullptr, kStrict},
+                           {"lowercase", no_argument, nullptr, kLowercase},
+                           {"limit", required_argument, nullptr, kLimit},
+                           {"color", required_argument, nullptr, kColor},
+                           {"rules", no_argument, nullptr, kRules},
+                           {"help", no_argument, nullptr, 'h'},
+                           {"version", no_argument, nullptr, kVersion},
+                           {nullptr, 0, nullptr, 0}};
+
+[[noreturn]] void usage(const std::string& message) {
+  fail(message + " (see zmconfigcheck --help)");
+}
+
+[[noreturn]] void print(std::string_view text) {
+  output().write(text);
+  finish(0);
+}
+
+// Every line of a text with blanks before it.
+std::string indented(std::string_view text) {
+  std::string all;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t end = text.find('\n', at) + 1;
+    all += "        ";
+    all += text.substr(at, end - at);
+    at = end;
+  }
+  return all;
+}
+
+[[noreturn]] void print_rules() {
+  for (const auto* rule : ZmConfigCheck::rules()) {
+    const bool error = rule->severity == ZmConfigCheck::Severity::kError;
+    output().write(std::string(rule->name) + " (" + (error ? "error" : "warning") + ")\n    " +
+                   std::string(rule->sentence) + "\n" + indented(rule->example) + "    " +
+                   std::string(rule->remedy) + "\n");
+  }
+  finish(0);
+}
+
+void add_rules(std::set<std::string_view>& rules, std::string_view list) {
+  for (std::size_t at = 0; at <= list.size();) {
+    const std::size_t end = std::min(list.find(',', at), list.size());
+    const std::string_view name = list.substr(at, end - at);
+    const auto* rule = ZmConfigCheck::rule(name);
+    if (!rule) usage("there is no rule \"" + std::string(name) + "\"");
+    rules.insert(rule->name);
+    at = end + 1;
+  }
+}
+
+std::size_t number(std::string_view text) {
+  std::size_t n = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), n);
+  if (error != std::errc() || end != text.data() + text.size())
+    usage("\"" + std::string(text) + "\" is no number of findings");
+  return n;
+}
+
+bool color(std::string_view when) {
+  const char* no_color = std::getenv("NO_COLOR");
+  if (when == "auto") return ::isatty(STDOUT_FILENO) && !(no_color && *no_color);
+  if (when != "always" && when != "never") usage("\"" + std::string(when) + "\" is no WHEN");
+  return when == "always";
+}
+
+}  // namespace
+
+Options read_options(int argc, char** argv) {
+  Options options;
+  options.color = color("auto");
+  ::opterr = 0;
+  for (int code; (code = ::getopt_long(argc, argv, ":h", kOptions, nullptr)) != -1;) {
+    const std::string_view value = ::optarg ? ::optarg : "";
+    const std::string given = argv[::optind - 1];
+    if (code == kIgnore) add_rules(options.ignored, value);
+    if (code == kOnly) add_rules(options.only, value);
+    if (code == kStrict) options.strict = true;
+    if (code == kLowercase) options.lowercase = true;
+    if (code == kLimit) options.limit = number(value);
+    if (code == kColor) options.color = color(value);
+    if (code == kRules) print_rules();
+    if (code == 'h') print(kHelp);
+    if (code == kVersion)
+      print(std::string("Torvel - version: ") + kZmVersion + "  build: " + kZmBuild + "\n");
+    if (code == ':') usage("option " + given + " needs a value");
+    if (code == '?') usage("there is no option " + given);
+  }
+  options.files.assign(argv + ::optind, argv + argc);
+  if (options.files.empty()) usage("no file is given");
+  return options;
+}
+
+ZmWriter& output() {
+  static auto* const writer = new ZmWriter(STDOUT_FILENO);  // never destroyed: used to the end
+  return *writer;
+}
+
+void finish(int status) {
+  if (!output().flush()) {
+    std::cerr << "zmconfigcheck: cannot write to standard output\n";
+    status = kUsage;
+  }
+  std::_Exit(status);
+}
+
+void fail(const std::string& message) {
+  output().flush();
+  std::cerr << "zmconfigcheck: " + message + "\n";
+  std::_Exit(kUsage);
+}

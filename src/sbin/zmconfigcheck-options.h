@@ -1,0 +1,38 @@
+#ifndef ZMCONFIGCHECK_OPTIONS_H
+#define ZMCONFIGCHECK_OPTIONS_H
+
+#include <cstddef>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ZmWriter.h"
+
+constexpr int kUsage = 2;  // and unreadable files, and everything else that keeps from checking
+
+struct Options {
+  std::set<std::string_view> ignored;
+  std::set<std::string_view> only;  // empty: all
+  bool strict = false;
+  bool lowercase = false;
+  bool color = false;
+  std::size_t limit = 1000;  // findings of a file; 0: all
+  std::vector<std::string> files;
+};
+
+// What the command line asks for. Ends the process when it is wrong, or asks for a text about the
+// program.
+Options read_options(int argc, char** argv);
+
+// Where everything goes that the program says on standard output.
+ZmWriter& output();
+
+// Ends the process with this status, or with 2 and a line on standard error when standard output
+// could not be written.
+[[noreturn]] void finish(int status);
+
+// Ends the process with 2 and a line on standard error.
+[[noreturn]] void fail(const std::string& message);
+
+#endif

@@ -1,0 +1,112 @@
+// Tells what is wrong in macro configuration files, where, and where each value comes from.
+#include "ZmConfigCheck.h"
+
+#include <sys/stat.h>
+
+#include <climits>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <new>
+#include <optional>
+#include <stdexcept>
+
+#include "zmconfigcheck-options.h"
+#include "zmconfigcheck-text.h"
+
+namespace {
+
+struct Count {
+  std::size_t errors = 0;
+  std::size_t warnings = 0;
+};
+
+// The contents of a file, or of standard input for "-"; nothing when it can't be read.
+std::optional<std::string> content(const std::string& path) {
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> opened(nullptr, std::fclose);
+  if (path != "-") opened.reset(std::fopen(path.c_str(), "rb"));
+  std::FILE* file = path == "-" ? stdin : opened.get();
+  if (!file) return std::nullopt;
+  std::string text;
+  struct stat status {};
+  if (::fstat(::fileno(file), &status) == 0 && status.st_size > 0 && status.st_size < INT_MAX)
+    text.reserve(static_cast<std::size_t>(status.st_size) + 1);
+  char block[65536];
+  for (std::size_t n; (n = std::fread(block, 1, sizeof block, file)) > 0;) {
+    text.append(block, n);
+    if (text.size() >= INT_MAX) return std::nullopt;
+  }
+  if (std::ferror(file)) return std::nullopt;
+  return text;
+}
+
+bool wanted(const Options& options, const ZmConfigCheck::Finding& finding) {
+  const std::string_view rule = finding.rule->name;
+  return !options.ignored.contains(rule) && (options.only.empty() || options.only.contains(rule));
+}
+
+void print(const Options& options, const std::string& file, const ZmConfigCheck& check,
+           Count& count) {
+  const FindingText findings(file, check, options.color);
+  std::size_t found = 0;
+  for (const auto& finding : check.findings()) {
+    if (!wanted(options, finding)) continue;
+    ++(finding.severity == ZmConfigCheck::Severity::kError ? count.errors : count.warnings);
+    if (found++ < options.limit || options.limit == 0) output().write(findings.text(finding));
+  }
+  if (options.limit > 0 && found > options.limit)
+    output().write(file + ": note: " + std::to_string(found - options.limit) +
+                   " more findings, --limit 0 shows all\n");
+}
+
+std::string counted(std::size_t n, const std::string& one) {
+  return std::to_string(n) + " " + one + (n == 1 ? "" : "s");
+}
+
+void summary(const Count& count, std::size_t files) {
+  if (count.errors + count.warnings == 0) return;
+  std::string text;
+  if (count.errors > 0) text = counted(count.errors, "error");
+  if (count.errors > 0 && count.warnings > 0) text += ", ";
+  if (count.warnings > 0) text += counted(count.warnings, "warning");
+  std::cerr << text + " in " + counted(files, "file") + "\n";
+}
+
+int run(int argc, char** argv) {
+  const Options options = read_options(argc, argv);
+  Count count;
+  bool failed = false;
+  std::unique_ptr<ZmConfigCheck> check;  // the last one goes with the process, all at once
+  for (const std::string& path : options.files) {
+    const std::string name = path == "-" ? "<stdin>" : path;
+    check.reset();
+    std::optional<std::string> text = content(path);
+    if (!text) {
+      output().flush();
+      std::cerr << "zmconfigcheck: " + name + " can't be read\n";
+      failed = true;
+      continue;
+    }
+    check = std::make_unique<ZmConfigCheck>(std::move(*text), options.lowercase);
+    if (!check->consistent())
+      fail(name + ": what is told is not what is read; this is a fault here");
+    print(options, name, *check, count);
+  }
+  output().flush();
+  summary(count, options.files.size());
+  if (failed) return kUsage;
+  const bool wrong = count.errors > 0 || (options.strict && count.warnings > 0);
+  static_cast<void>(check.release());
+  return wrong ? 1 : 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    finish(run(argc, argv));
+  } catch (const std::bad_alloc&) {
+  } catch (const std::length_error&) {  // a container asked for more than there can be
+  }
+  fail("out of memory");
+}

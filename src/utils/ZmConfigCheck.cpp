@@ -1,0 +1,90 @@
+#include "ZmConfigCheck.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "ZmConfigCheckRules.h"
+#include "ZmConfigSurvey.h"
+#include "ZmText.h"
+
+namespace {
+
+using Place = ZmConfigCheck::Place;
+using Survey = ZmConfigSurvey;
+
+Place placed(const ZmConfigPosition& at, std::size_t length) {
+  return {at.line, at.column, at.offset, std::max<std::size_t>(length, 1)};
+}
+
+Place placed(const Survey& survey, std::size_t at, std::size_t length) {
+  return placed(survey.places().at(at), length);
+}
+
+// What stands behind the text of a finding.
+std::string where(const Survey::Found& found) {
+  std::string text;
+  if (found.sections > 1 || found.lenient) text = ", in section " + zm_shown(found.section);
+  if (found.sections > 1) text += " and " + std::to_string(found.sections - 1) + " more";
+  if (found.lenient) text += ", but not in all";
+  return text;
+}
+
+}  // namespace
+
+const std::vector<const ZmConfigCheck::Rule*>& ZmConfigCheck::rules() {
+  static const auto rules = [] {
+    std::vector<const Rule*> all;
+    for (const ZmConfigCheckRule& rule : zm_config_check_rules()) all.push_back(&rule.rule);
+    return all;
+  }();
+  return rules;
+}
+
+const ZmConfigCheck::Rule* ZmConfigCheck::rule(std::string_view name) {
+  const auto at = std::ranges::find(rules(), name, [](const Rule* rule) { return rule->name; });
+  return at == rules().end() ? nullptr : *at;
+}
+
+ZmConfigCheck::ZmConfigCheck(std::string text, unsigned char lowercase)
+    : text_(std::move(text)), survey_(std::make_unique<ZmConfigSurvey>(text_)) {
+  std::vector<Survey::Found> all = survey_->run(lowercase != 0);
+  findings_.reserve(all.size());
+  for (Survey::Found& found : all) {
+    const bool error = found.rule->rule.severity == Severity::kError && !found.lenient;
+    Finding& finding = findings_.emplace_back();
+    finding.rule = &found.rule->rule;
+    finding.severity = error ? Severity::kError : Severity::kWarning;
+    finding.place = found.source == ZmConfigScanner::kNone
+                        ? placed(*survey_, found.mark.at, found.mark.length)
+                        : placed(survey_->places().source(found.source), 1);
+    finding.text = std::move(found.mark.text) + where(found);
+    finding.section = std::move(found.section);
+    finding.sections = found.sections;
+    for (Survey::Mark& note : found.notes)
+      finding.notes.push_back({placed(*survey_, note.at, note.length), std::move(note.text)});
+  }
+  consistent_ = survey_->consistent();
+}
+
+ZmConfigCheck::~ZmConfigCheck() = default;
+
+std::string_view ZmConfigCheck::line(const Place& place) const {
+  return survey_->places().line(place.line);
+}
+
+const ZmConfigHash& ZmConfigCheck::sections() const { return survey_->sections(); }
+
+ZmConfigCheck::Origin ZmConfigCheck::origin(const ZmConfig& section, int label) const {
+  const Survey::Source& source = survey_->source(section._optionat(label));
+  const Survey::Written& written = survey_->written(source.written);
+  const std::size_t length = written.end - written.value_at;
+  return {placed(*survey_, written.label_at, written.label.size()),
+          placed(*survey_, written.value_at, length), written.raw,
+          written.heading == Survey::kNone ? std::string_view()
+                                           : survey_->headings()[written.heading].name,
+          source.parent};
+}
+
+ZmConfigCheck::Place ZmConfigCheck::place(const ZmConfig& section) const {
+  return placed(*survey_, survey_->beginning(section), 1);
+}

@@ -1,0 +1,100 @@
+#ifndef ZM_CONFIG_CHECK_H
+#define ZM_CONFIG_CHECK_H
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ZmConfigHash.h"
+
+class ZmConfigSurvey;
+
+/// Tells what is wrong in a macro configuration file, where, and where each value comes from.
+///
+/// The format is silent: a line without "=" ends the file, an empty value takes the next line, a
+/// misspelt reference reads as empty. This class watches ZmConfigFile's own reader at work and
+/// judges what it sees by a table of rules:
+///
+///     const ZmConfigCheck check(ZmFile::load("farm.conf").value());
+///     for (const auto& finding : check.findings())
+///       std::cout << finding.place.line << ": " << finding.text << '\n';
+///
+/// There is one finding for each place of the text, however many sections share it. Lines and
+/// columns count from 1, columns in bytes, in the text as it was given. One thread at a time.
+class ZmConfigCheck {
+ public:
+  enum class Severity { kWarning, kError };
+
+  /// What may be wrong. The texts are for people: `example` is a file that shows it.
+  struct Rule {
+    std::string_view name;
+    Severity severity;
+    std::string_view sentence;
+    std::string_view example;
+    std::string_view remedy;
+  };
+  /// A part of one line of the text.
+  struct Place {
+    long line = 0;    ///< 0: the value has no place of its own.
+    long column = 0;  ///< Of the first byte.
+    std::size_t offset = 0;
+    std::size_t length = 0;  ///< In bytes; at least 1 is marked.
+  };
+  struct Note {
+    Place place;
+    std::string text;
+  };
+  struct Finding {
+    const Rule* rule;
+    Severity severity;  ///< The rule's, or less.
+    Place place;
+    std::string text;
+    std::vector<Note> notes;
+    std::string section;  ///< The first section met where it holds; empty: it is about the text.
+    std::size_t sections = 0;  ///< In how many.
+  };
+  /// Where the value of an option comes from.
+  struct Origin {
+    Place label;
+    Place value;
+    std::string_view raw;          ///< The value as written, without quotes or braces.
+    std::string_view written_for;  ///< The header, or the qualifier, that it stands under.
+    const ZmConfig* parent;  ///< From which the section inherited it; null: it was written for it.
+  };
+
+  /// Every rule, in a fixed order.
+  static const std::vector<const Rule*>& rules();
+  /// The rule of this name; null when there is none.
+  static const Rule* rule(std::string_view name);
+
+  /// Reads and judges the text, as ZmConfigFile would read it, `lowercase` included.
+  explicit ZmConfigCheck(std::string text, unsigned char lowercase = 0);
+  ~ZmConfigCheck();
+  ZmConfigCheck(const ZmConfigCheck&) = delete;
+  ZmConfigCheck& operator=(const ZmConfigCheck&) = delete;
+
+  /// What was found, in the order of the text. Comments "# zmconfigcheck: ignore RULE" have been
+  /// obeyed.
+  const std::vector<Finding>& findings() const { return findings_; }
+  /// The line that the place stands on, without its end.
+  std::string_view line(const Place& place) const;
+  /// Whether every option here is what its origin says. When not, there is a fault in this class.
+  unsigned char consistent() const { return consistent_; }
+
+  /// The sections as ZmConfigFile gives them; lent.
+  const ZmConfigHash& sections() const;
+  /// Where the option at this position of a section comes from.
+  Origin origin(const ZmConfig& section, int label) const;
+  /// Where the section begins: its first header, or the option that made it.
+  Place place(const ZmConfig& section) const;
+
+ private:
+  std::string text_;
+  std::unique_ptr<ZmConfigSurvey> survey_;
+  std::vector<Finding> findings_;
+  unsigned char consistent_ = 1;
+};
+
+#endif

@@ -1,0 +1,440 @@
+#include "ZmConfigSurvey.h"
+
+#include <algorithm>
+#include <functional>
+#include <ranges>
+#include <tuple>
+#include <utility>
+
+#include "ZmConfigReader.h"
+#include "ZmCursor.h"
+#include "ZmText.h"
+
+namespace {
+
+using Part = ZmConfigPart;
+constexpr ZmCharSet kBlank(" \t");
+constexpr std::string_view kLineEnd = "\r\n";
+
+std::uint32_t narrow(std::size_t n) { return static_cast<std::uint32_t>(n); }
+
+// The rules of one kind.
+template <class Find>
+const std::vector<const ZmConfigCheckRule*>& rules_of() {
+  static const auto rules = [] {
+    std::vector<const ZmConfigCheckRule*> found;
+    for (const ZmConfigCheckRule& rule : zm_config_check_rules())
+      if (std::holds_alternative<Find>(rule.find)) found.push_back(&rule);
+    return found;
+  }();
+  return rules;
+}
+
+}  // namespace
+
+// ---- For rules ----
+
+void ZmConfigSurvey::report(std::size_t at, std::size_t length, std::string text,
+                            std::vector<Mark> notes) {
+  found_.push_back({asked_, false, {at, length, std::move(text)}, std::move(notes), {}, 0});
+}
+
+void ZmConfigSurvey::report_dropped(std::size_t at, std::size_t source, std::string text) {
+  report(at, 1, std::move(text));
+  found_.back().source = source;
+}
+
+const ZmConfig* ZmConfigSurvey::section(std::string_view name) const {
+  return sections_._get(name, ZmSlotTable::hash(name));
+}
+
+std::size_t ZmConfigSurvey::line_end(std::size_t at) const {
+  return std::min(text().find_first_of(kLineEnd, at), text().size());
+}
+
+std::uint32_t ZmConfigSurvey::before(std::string_view label) const {
+  const auto met = labels_.find(label);
+  return met == labels_.end() ? kNone : met->second;
+}
+
+// Whether a place of the cleaned text is in a comment.
+bool ZmConfigSurvey::commented(std::size_t at) const {
+  const auto after = std::ranges::upper_bound(comments_, at);
+  return after != comments_.begin() && line_end(*(after - 1)) >= at && *(after - 1) < at;
+}
+
+// ---- Reading ----
+
+template <class Find, class... Thing>
+void ZmConfigSurvey::ask(const Thing&... thing) {
+  for (const Rule* rule : rules_of<Find>()) {
+    asked_ = rule;
+    std::get<Find>(rule->find)(*this, thing...);
+  }
+}
+
+std::vector<ZmConfigSurvey::Found> ZmConfigSurvey::run(bool lowercase) {
+  const ZmString home("default");
+  ZmConfigReader(sections_, home, lowercase, text(), this).run();
+  ask<ZmEndRule>();
+  verdicts();
+  std::erase_if(found_, [this](const Found& found) { return silenced(found); });
+  std::ranges::stable_sort(found_, {},
+                           [](const Found& f) { return std::tuple(f.mark.at, f.rule); });
+  return std::move(found_);
+}
+
+void ZmConfigSurvey::token(const ZmConfigToken& token, const ZmConfigScanner& scanner) {
+  if (scanner.comment() != comment_) comment(comment_ = scanner.comment());
+  unclosed_ = scanner.unclosed();
+  Part part{token, Part::kPlain};
+  if (last_ == Part::kOpen) {
+    part.kind = Part::kContent;
+  } else if (last_ == Part::kContent) {
+    part.kind = Part::kClose;
+  } else if (token.offset < text().size()) {
+    const char first = text()[token.offset];
+    if (first == '{') part.kind = Part::kBraced;
+    if (first == '"') part.kind = Part::kOpen;
+  }
+  last_ = part.kind;
+  if (last_ == Part::kOpen) quote_ = token.offset;
+  const std::size_t size = pieces_.size();
+  if (size > 1 && token.endsline() && pieces_[size - 1].token.endsline() &&
+      pieces_[size - 2].token.endsline())
+    pieces_.pop_back();  // there may be many empty lines
+  pieces_.push_back(part);
+  if (last_ != Part::kPlain) ask<ZmTokenRule>(part);
+}
+
+// The token at hand is what the next line begins with, or the line end before it.
+void ZmConfigSurvey::next() { pieces_.erase(pieces_.begin(), pieces_.end() - 1); }
+
+void ZmConfigSurvey::header(const ZmConfigHeading& heading) {
+  headings_.push_back({narrow(heading.at), std::string(heading.name)});
+  heading_ = true;
+  labels_ = {};
+  ask<ZmHeadingRule>(heading);
+  next();
+}
+
+void ZmConfigSurvey::section(const ZmConfig& section, bool made) {
+  if (heading_) {
+    Heading& heading = headings_.back();
+    if (!heading.first) heading.first = &section;
+    ++heading.sections;
+    homes_.try_emplace(&section, narrow(headings_.size() - 1));
+    makers_.erase(&section);
+  } else if (made && written_.back().qualifier_at != kNone) {
+    makers_.emplace(&section, narrow(written_.size() - 1));
+  }
+}
+
+void ZmConfigSurvey::parent(const ZmConfigToken& token, const ZmConfig* found) {
+  if (!found) missing_.push_back({token.offset, keep(token.text)});
+}
+
+void ZmConfigSurvey::option(const ZmConfigLine& line) {
+  heading_ = false;
+  const auto value = std::ranges::find_if(
+      pieces_, [&](const Part& part) { return part.token.offset >= line.value_at; });
+  std::size_t end = pieces_.back().token.offset;
+  if (comment_ != ZmConfigScanner::kNone && comment_ > line.value_at) end = comment_;
+  while (end > line.value_at + 1 && kBlank.has(text()[end - 1])) --end;
+  const ZmConfigStatement statement{line, std::span(value, pieces_.end() - 1), end,
+                                    narrow(written_.size())};
+  ask<ZmLineRule>(statement);
+  const std::string_view label = keep(line.label);
+  written_.push_back(
+      {label, keep(line.value), headings_.empty() ? kNone : narrow(headings_.size() - 1),
+       narrow(line.label_at), narrow(line.qualifier_at), narrow(line.value_at), narrow(end)});
+  if (line.qualifier_at == ZmConfigLine::kNone) {
+    labels_[label] = statement.number;
+    if (label.find('.') != std::string_view::npos) dotted_.push_back(statement.number);
+  }
+  next();
+}
+
+void ZmConfigSurvey::stop(const ZmConfigStop& stop) {
+  stop_ = line_end(stop.at);
+  ZmConfigScanner rest(text().substr(stop.at, stop_ - stop.at));
+  for (ZmConfigToken token; rest.next(token);) {
+  }
+  if (rest.comment() != ZmConfigScanner::kNone) comment(stop.at + rest.comment());
+  ask<ZmStopRule>(stop);
+}
+
+void ZmConfigSurvey::stored(const ZmConfig&, const ZmString& value, const ZmConfig* parent,
+                            std::size_t number) {
+  Source source{narrow(number), false, parent};
+  if (parent) source.written = sources_.at(&parent->_optionat(static_cast<int>(number))).written;
+  const auto [at, made] = sources_.try_emplace(&value, source);
+  if (!made) --written_[std::exchange(at->second, source).written].stored;
+  ++written_[source.written].stored;
+}
+
+// A piece of the cleaned text stays, others are kept here.
+std::string_view ZmConfigSurvey::keep(std::string_view text) {
+  return keeps(text) ? text : kept_.emplace_back(text);
+}
+
+bool ZmConfigSurvey::keeps(std::string_view text) const {
+  const std::string_view all = this->text();
+  return std::less_equal<>()(all.data(), text.data()) &&
+         std::less_equal<>()(text.data() + text.size(), all.data() + all.size());
+}
+
+// ---- Comments ----
+
+void ZmConfigSurvey::comment(std::size_t at) {
+  constexpr std::string_view kMark = "zmconfigcheck:", kIgnore = "ignore";
+  if (text().size() < places_.size()) comments_.push_back(at);
+  ZmCursor in(text().substr(at + 1));
+  in.skip(kBlank);
+  if (!in.rest().starts_with(kMark)) return;
+  in.take(kMark.size());
+  in.skip(kBlank);
+  if (in.rest().starts_with(kIgnore)) silence(at, text().size() - in.left() + kIgnore.size());
+}
+
+// The line of the comment, or the one behind it when nothing else stands there.
+void ZmConfigSurvey::silence(std::size_t at, std::size_t names) {
+  const std::size_t start = text().find_last_of(kLineEnd, at) + 1;  // without one: from 0 on
+  const bool alone =
+      text().substr(start, at - start).find_first_not_of(" \t") == std::string_view::npos;
+  const std::size_t end = line_end(at);
+  Silence silence{start, end, 0};
+  if (alone) {
+    silence.from = std::min(end + (text().substr(end, 2) == kLineEnd ? 2 : 1), text().size());
+    silence.to = line_end(silence.from);
+  }
+  constexpr ZmCharSet kBetween(" \t,"), kStop(" \t,\r\n");
+  ZmCursor in(text().substr(names, end - names));
+  for (in.skip(kBetween); !in.eof(); in.skip(kBetween)) {
+    const std::size_t place = end - in.left();
+    const std::string_view name = in.until(kStop);
+    const auto rules = zm_config_check_rules();
+    const auto rule = std::ranges::find(rules, name, [](const Rule& r) { return r.rule.name; });
+    if (rule == rules.end()) {
+      unknown_.push_back({place, name});
+    } else {
+      silence.rules |= 1U << (rule - rules.begin());
+    }
+  }
+  silences_.push_back(silence);
+}
+
+bool ZmConfigSurvey::silenced(const Found& found) const {
+  const std::uint32_t bit = 1U << (found.rule - zm_config_check_rules().data());
+  const auto after = std::ranges::upper_bound(silences_, found.mark.at, {}, &Silence::from);
+  // Of two comments, one above the line and one on it, both count.
+  for (auto at = after; at != silences_.begin() && after - at < 2;) {
+    --at;
+    if (found.mark.at <= at->to && (at->rules & bit)) return true;
+  }
+  return false;
+}
+
+// ---- Expanding ----
+
+std::size_t ZmConfigSurvey::SpotHash::operator()(const Spot& spot) const {
+  const auto place = std::uint64_t{spot.written} << 32 | spot.number;
+  return std::hash<std::uint64_t>()((place ^ reinterpret_cast<std::uintptr_t>(spot.rule)) *
+                                    0x9e3779b97f4a7c15U);
+}
+
+void ZmConfigSurvey::use(const ZmConfigUse& use) {
+  const auto met = sources_.find(use.option);
+  if (met == sources_.end() || met->second.expanded) return;
+  for (const Rule* rule : rules_of<ZmUseRule>()) judge(*rule, use, met->second.written);
+  if (!use.circle) return;
+  std::vector<Edge>& edges = edges_[use.option];
+  if (!edges.empty() && edges.back().number >= use.number) return;  // it is read once more
+  edges.push_back({use.piece.value, narrow(use.number), std::string(use.home),
+                   std::string(use.piece.section) + "." + std::string(use.piece.label)});
+}
+
+void ZmConfigSurvey::judge(const Rule& rule, const ZmConfigUse& use, std::uint32_t written) {
+  const auto find = std::get<ZmUseRule>(rule.find);
+  const Spot spot{written, narrow(use.number), &rule};
+  const std::string_view section = use.piece.qualified ? use.home : use.scope;
+  const ZmVerdict found = find(*this, use, nullptr);
+  if (found == ZmVerdict::kFine) verdicts_[spot].resolved = true;
+  if (found != ZmVerdict::kFault) return;
+  Verdict& verdict = verdicts_[spot];
+  if (verdict.failed == 0) {
+    find(*this, use, &verdict.text);
+    verdict.first = section;
+  } else if (verdict.last == section) {
+    return;
+  }
+  ++verdict.failed;
+  verdict.last = section;
+}
+
+void ZmConfigSurvey::circle(const ZmString& option) { circles_.push_back(&option); }
+
+void ZmConfigSurvey::expanded(const ZmConfig&, const ZmString& value, std::string_view result) {
+  constexpr std::size_t kLarge = std::size_t{1} << 20, kTimes = 100;
+  Source& source = sources_.at(&value);
+  source.expanded = true;
+  if (result.size() <= kLarge || result.size() / kTimes < written_[source.written].raw.size())
+    return;
+  std::size_t& grown = grown_[source.written];
+  grown = std::max(grown, result.size());
+}
+
+// ---- Findings about references ----
+
+// Where each byte of a value stands in the cleaned text.
+std::vector<std::uint32_t> ZmConfigSurvey::offsets(const Written& written) const {
+  std::vector<std::uint32_t> offsets;
+  offsets.reserve(written.raw.size() + 1);
+  const auto walk = [&](std::string_view token, std::size_t at) {
+    for (const char c : token) {
+      while (at + 1 < written.end && text()[at] != c) ++at;  // a backslash that goes
+      offsets.push_back(narrow(at++));
+    }
+  };
+  if (keeps(written.raw)) {
+    walk(written.raw, static_cast<std::size_t>(written.raw.data() - text().data()));
+  } else {
+    ZmConfigScanner scanner(text().substr(written.value_at, written.end - written.value_at));
+    ZmConfigToken token;
+    const bool quoted = text()[written.value_at] == '"' && scanner.next(token);
+    while (offsets.size() < written.raw.size() && scanner.next(token)) {
+      const std::size_t at = written.value_at + token.offset;
+      walk(token.text, at + (!quoted && text()[at] == '{'));
+    }
+  }
+  offsets.resize(written.raw.size() + 1, written.end);
+  return offsets;
+}
+
+// Where the references of a line stand, in their order.
+std::vector<ZmConfigSurvey::Mark> ZmConfigSurvey::references(const Written& written,
+                                                             std::string_view home) const {
+  std::vector<Mark> marks;
+  const std::vector<std::uint32_t> at = offsets(written);
+  const ZmConfigScope scope{sections_, home, section(home)};
+  for (ZmCursor in(written.raw); !in.eof();) {
+    const std::size_t from = written.raw.size() - in.left();
+    const ZmConfigPiece piece = scope.next(in, home);
+    if (written.raw[from] != '$') continue;
+    const std::size_t last = written.raw.size() - in.left() - piece.lost.size() - 1;
+    marks.push_back({at[from], at[last] + 1 - at[from], {}});
+  }
+  return marks;
+}
+
+void ZmConfigSurvey::verdicts() {
+  std::vector<std::pair<Spot, Verdict*>> failed;
+  for (auto& [spot, verdict] : verdicts_)
+    if (verdict.failed > 0) failed.emplace_back(spot, &verdict);
+  std::ranges::sort(failed, {}, [](const auto& f) {
+    return std::tuple(f.first.written, f.first.number, f.first.rule);
+  });
+  std::vector<Mark> marks;
+  std::uint32_t known = kNone;
+  for (auto& [spot, verdict] : failed) {
+    const Written& written = written_[spot.written];
+    if (spot.written != known) marks = references(written, verdict->first);
+    known = spot.written;
+    Mark mark = spot.number < marks.size() ? marks[spot.number] : Mark{written.value_at, 1, {}};
+    mark.text = std::move(verdict->text);
+    found_.push_back({spot.rule,
+                      verdict->resolved,
+                      std::move(mark),
+                      {},
+                      std::move(verdict->last),
+                      verdict->failed});
+  }
+}
+
+// ---- Circles ----
+
+// One reference of a loop, and the option that holds it.
+struct ZmConfigSurvey::Step {
+  const ZmString* from;
+  const Edge* edge;
+};
+
+// Each circle by a shortest loop through the option that was met first. Many sections may have the
+// same ones: one finding for each place.
+void ZmConfigSurvey::loops() {
+  std::unordered_set<const ZmString*> done;
+  std::unordered_map<std::uint64_t, std::size_t> told;            // places and their findings
+  for (const ZmString* first : circles_ | std::views::reverse) {  // as the file has them
+    if (done.contains(first)) continue;
+    const std::vector<Step> steps = loop(first, done);
+    if (steps.empty()) continue;
+    const Step& closing = steps.back();
+    const std::uint32_t line = sources_.at(closing.from).written;
+    const auto [at, made] =
+        told.try_emplace(std::uint64_t{line} << 32 | closing.edge->number, found_.size());
+    if (made) {
+      tell(steps);
+    } else {
+      ++found_[at->second].sections;
+    }
+  }
+}
+
+// The steps from an option back to itself; what was met on the way is done.
+std::vector<ZmConfigSurvey::Step> ZmConfigSurvey::loop(
+    const ZmString* first, std::unordered_set<const ZmString*>& done) const {
+  std::unordered_map<const ZmString*, Step> came;
+  std::deque<const ZmString*> next{first};
+  done.insert(first);
+  for (; !next.empty() && !came.contains(first); next.pop_front()) {
+    const auto edges = edges_.find(next.front());
+    if (edges == edges_.end()) continue;
+    for (const Edge& edge : edges->second) {
+      if (came.try_emplace(edge.to, Step{next.front(), &edge}).second) next.push_back(edge.to);
+      done.insert(edge.to);
+    }
+  }
+  std::vector<Step> steps;
+  for (auto at = came.find(first); at != came.end(); at = came.find(steps.back().from)) {
+    steps.push_back(at->second);
+    if (steps.back().from == first) break;
+  }
+  std::ranges::reverse(steps);
+  return steps;
+}
+
+void ZmConfigSurvey::tell(const std::vector<Step>& steps) {
+  std::vector<Mark> notes;
+  for (const Step& step : steps) {
+    const Written& written = written_[sources_.at(step.from).written];
+    const std::vector<Mark> marks = references(written, step.edge->home);
+    Mark mark =
+        step.edge->number < marks.size() ? marks[step.edge->number] : Mark{written.value_at, 1, {}};
+    mark.text = zm_shown(step.edge->home + "." + std::string(written.label)) + " refers to " +
+                zm_shown(step.edge->label);
+    notes.push_back(std::move(mark));
+  }
+  const Edge& last = *steps.back().edge;
+  const Mark closing{notes.back().at, notes.back().length,
+                     zm_shown(last.label) + " leads back to itself: the references give nothing"};
+  found_.push_back({asked_, false, closing, std::move(notes), last.home, 1});
+}
+
+// ---- What is known ----
+
+// Whether every option without references is what its line says.
+bool ZmConfigSurvey::consistent() const {
+  for (const auto& [value, source] : sources_) {
+    const std::string_view raw = written_[source.written].raw;
+    if (!zm_has_reference(raw) && raw != zm_view(*value)) return false;
+  }
+  return true;
+}
+
+std::size_t ZmConfigSurvey::beginning(const ZmConfig& section) const {
+  if (const auto home = homes_.find(&section); home != homes_.end())
+    return headings_[home->second].at;
+  if (const auto maker = makers_.find(&section); maker != makers_.end())
+    return written_[maker->second].qualifier_at;
+  return written_.empty() ? 0 : written_.front().label_at;  // the default section
+}

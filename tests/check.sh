@@ -1,11 +1,13 @@
 #!/bin/sh
-# check.sh TOOL: what the tool says of each file NAME.conf in tests/check, status included, has to be
-# what NAME.out holds. There has to be a file for each rule, named for it, that shows it.
+# check.sh TOOL: what the tool says of each file NAME.conf in tests/check, status included and with
+# the arguments in NAME.args, has to be what NAME.out holds. There has to be a file for each rule,
+# named for it, that shows it.
 tool=$1
 cd "$(dirname "$0")/check" || exit 1
 failed=0
 for file in *.conf; do
-  { "$tool" "$file" 2>&1; echo "status $?"; } | diff -u "${file%.conf}.out" - || failed=1
+  args=$(cat "${file%.conf}.args" 2>/dev/null)
+  { "$tool" $args "$file" 2>&1; echo "status $?"; } | diff -u "${file%.conf}.out" - || failed=1
 done
 "$tool" --rules | sed -n 's/^\([a-z-]*\) (.*/\1/p' | while read -r rule; do
   grep -q "\[$rule\]" "$rule.out" || { echo "$rule: no file shows it"; exit 1; }

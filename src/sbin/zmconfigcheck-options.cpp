@@ -14,8 +14,14 @@ namespace {
 
 constexpr std::string_view kHelp =
     "Usage: zmconfigcheck [OPTION...] FILE...\n"
-    "Tells what is wrong in macro configuration files, and where.\n"
+    "       zmconfigcheck --explain NAME [OPTION...] FILE\n"
+    "       zmconfigcheck --diff A B [OPTION...] FILE\n"
+    "       zmconfigcheck --graph[=connected] [OPTION...] FILE\n"
+    "Tells what is wrong in macro configuration files, where, and where each value comes from.\n"
     "\n"
+    "  --explain NAME        where the values of a section, or of SECTION.OPTION, come from\n"
+    "  --diff A B            how two sections differ; then the status is 1\n"
+    "  --graph               who inherits from and refers to whom, for Graphviz\n"
     "  --ignore RULE[,RULE]  silences rules\n"
     "  --only RULE[,RULE]    silences all other rules\n"
     "  --strict              warnings make the status 1, too\n"
@@ -27,11 +33,26 @@ constexpr std::string_view kHelp =
     "  --version             prints the version of Torvel\n"
     "\n"
     "Options and files may stand in any order; \"--\" ends options; \"-\" is standard input.\n"
-    "Status: 0 nothing wrong, 1 errors were found, 2 it could not be checked.\n";
+    "Status: 0 nothing wrong, 1 errors were found, 2 a file or section could not be read.\n";
 
-enum Code { kIgnore = 256, kOnly, kStrict, kLowercase, kLimit, kColor, kRules, kVersion };
+enum Code {
+  kExplain = 256,
+  kDiff,
+  kGraph,
+  kIgnore,
+  kOnly,
+  kStrict,
+  kLowercase,
+  kLimit,
+  kColor,
+  kRules,
+  kVersion
+};
 
-const option kOptions[] = {{"ignore", required_argument, nullptr, kIgnore},
+const option kOptions[] = {{"explain", required_argument, nullptr, kExplain},
+                           {"diff", required_argument, nullptr, kDiff},
+                           {"graph", optional_argument, nullptr, kGraph},
+                           {"ignore", required_argument, nullptr, kIgnore},
                            {"only", required_argument, nullptr, kOnly},
                            {"strict", no_argument, nullptr, kStrict},
                            {"lowercase", no_argument, nullptr, kLowercase},
@@ -92,6 +113,22 @@ std::size_t number(std::string_view text) {
   return n;
 }
 
+void set_view(Options& options, View view, std::string_view value) {
+  if (options.view != View::kFindings)
+    usage("only one of --explain, --diff and --graph can be given");
+  options.view = view;
+  options.name = value;
+  if (view == View::kGraph && !value.empty() && value != "connected")
+    usage("the value of --graph can only be \"connected\"");
+  options.connected = !value.empty();
+}
+
+// The second argument of --diff.
+std::string another(int argc, char** argv) {
+  if (::optind >= argc) usage("option --diff needs two sections");
+  return argv[::optind++];
+}
+
 bool color(std::string_view when) {
   const char* no_color = std::getenv("NO_COLOR");
   if (when == "auto") return ::isatty(STDOUT_FILENO) && !(no_color && *no_color);
@@ -108,6 +145,12 @@ Options read_options(int argc, char** argv) {
   for (int code; (code = ::getopt_long(argc, argv, ":h", kOptions, nullptr)) != -1;) {
     const std::string_view value = ::optarg ? ::optarg : "";
     const std::string given = argv[::optind - 1];
+    if (code == kExplain) set_view(options, View::kExplain, value);
+    if (code == kGraph) set_view(options, View::kGraph, value);
+    if (code == kDiff) {
+      set_view(options, View::kDiff, value);
+      options.other = another(argc, argv);
+    }
     if (code == kIgnore) add_rules(options.ignored, value);
     if (code == kOnly) add_rules(options.only, value);
     if (code == kStrict) options.strict = true;
@@ -123,6 +166,8 @@ Options read_options(int argc, char** argv) {
   }
   options.files.assign(argv + ::optind, argv + argc);
   if (options.files.empty()) usage("no file is given");
+  if (options.view != View::kFindings && options.files.size() > 1)
+    usage("--explain, --diff and --graph want one file");
   return options;
 }
 

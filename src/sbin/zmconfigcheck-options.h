@@ -11,7 +11,13 @@
 
 constexpr int kUsage = 2;  // and unreadable files, and everything else that keeps from checking
 
+enum class View { kFindings, kExplain, kDiff, kGraph };
+
 struct Options {
+  View view = View::kFindings;
+  std::string name;        // to explain, or the first of two to compare
+  std::string other;       // the second one
+  bool connected = false;  // the graph without what has no arrows
   std::set<std::string_view> ignored;
   std::set<std::string_view> only;  // empty: all
   bool strict = false;

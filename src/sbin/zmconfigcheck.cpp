@@ -13,8 +13,13 @@
 
 #include "zmconfigcheck-options.h"
 #include "zmconfigcheck-text.h"
+#include "zmconfigcheck-views.h"
 
 namespace {
+
+const std::string kFault = ": what is told is not what is read: this is a fault of zmconfigcheck";
+
+std::string shown(const std::string& path) { return path == "-" ? "<stdin>" : path; }
 
 struct Count {
   std::size_t errors = 0;
@@ -72,13 +77,27 @@ void summary(const Count& count, std::size_t files) {
   std::cerr << text + " in " + counted(files, "file") + "\n";
 }
 
+// One of the other forms, for the only file.
+int view(const Options& options) {
+  const std::string file = shown(options.files.front());
+  std::optional<std::string> text = content(options.files.front());
+  if (!text) fail(file + " can't be read");
+  const ZmConfigCheck check(std::move(*text), options.lowercase);
+  if (!check.consistent()) fail(file + kFault);
+  if (options.view == View::kExplain) return explain(file, check, options.name);
+  if (options.view == View::kDiff) return diff(file, check, options.name, options.other);
+  output().write(check.graph(options.connected));
+  return 0;
+}
+
 int run(int argc, char** argv) {
   const Options options = read_options(argc, argv);
+  if (options.view != View::kFindings) return view(options);
   Count count;
   bool failed = false;
   std::unique_ptr<ZmConfigCheck> check;  // the last one goes with the process, all at once
   for (const std::string& path : options.files) {
-    const std::string name = path == "-" ? "<stdin>" : path;
+    const std::string name = shown(path);
     check.reset();
     std::optional<std::string> text = content(path);
     if (!text) {
@@ -88,8 +107,7 @@ int run(int argc, char** argv) {
       continue;
     }
     check = std::make_unique<ZmConfigCheck>(std::move(*text), options.lowercase);
-    if (!check->consistent())
-      fail(name + ": what is told is not what is read; this is a fault here");
+    if (!check->consistent()) fail(name + kFault);
     print(options, name, *check, count);
   }
   output().flush();

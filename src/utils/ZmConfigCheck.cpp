@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "ZmConfigCheckRules.h"
+#include "ZmConfigGraph.h"
+#include "ZmConfigHistory.h"
 #include "ZmConfigSurvey.h"
 #include "ZmText.h"
 
@@ -46,7 +48,9 @@ const ZmConfigCheck::Rule* ZmConfigCheck::rule(std::string_view name) {
 }
 
 ZmConfigCheck::ZmConfigCheck(std::string text, unsigned char lowercase)
-    : text_(std::move(text)), survey_(std::make_unique<ZmConfigSurvey>(text_)) {
+    : text_(std::move(text)),
+      survey_(std::make_unique<ZmConfigSurvey>(text_)),
+      lowercase_(lowercase) {
   std::vector<Survey::Found> all = survey_->run(lowercase != 0);
   findings_.reserve(all.size());
   for (Survey::Found& found : all) {
@@ -83,6 +87,16 @@ ZmConfigCheck::Origin ZmConfigCheck::origin(const ZmConfig& section, int label) 
           written.heading == Survey::kNone ? std::string_view()
                                            : survey_->headings()[written.heading].name,
           source.parent};
+}
+
+ZmConfigCheck::History ZmConfigCheck::history(std::string_view section,
+                                              std::string_view label) const {
+  return ZmConfigHistory::of(text_, lowercase_ != 0, {std::string(section), std::string(label)});
+}
+
+std::string ZmConfigCheck::graph(unsigned char connected) const {
+  ZmConfigGraph graph(text_);
+  return graph.run(lowercase_ != 0, connected != 0);
 }
 
 ZmConfigCheck::Place ZmConfigCheck::place(const ZmConfig& section) const {

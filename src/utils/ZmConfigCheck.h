@@ -64,6 +64,33 @@ class ZmConfigCheck {
     const ZmConfig* parent;  ///< From which the section inherited it; null: it was written for it.
   };
 
+  /// One setting of an option, and how it came to the section.
+  struct Assignment {
+    Place label;
+    Place value;
+    std::string raw;
+    std::string header;        ///< That was read last; empty above the first one.
+    std::size_t sections = 0;  ///< For which it stands.
+    std::string parent;        ///< From which the option was inherited; else empty.
+    long line = 0;             ///< Of that header.
+    bool qualified = false;    ///< The section stands before the option.
+  };
+  /// A reference that a value was made with.
+  struct Reference {
+    std::size_t depth = 0;  ///< 0: it stands in the value itself, else in one that that refers to.
+    std::string section;    ///< To which it leads,
+    std::string option;     ///< and to which option there; "_" stands for the section's name.
+    Place place;            ///< Where that option is set; its line is 0 when it isn't.
+    std::string value;      ///< What came of it.
+    bool circle = false;    ///< It leads back to itself and gives nothing.
+  };
+  struct History {
+    std::string value;
+    std::vector<Assignment> assignments;  ///< The oldest first; the last one counts.
+    std::vector<Reference> references;    ///< In the order in which they are followed.
+    unsigned char consistent = 1;         ///< As in consistent().
+  };
+
   /// Every rule, in a fixed order.
   static const std::vector<const Rule*>& rules();
   /// The rule of this name; null when there is none.
@@ -87,6 +114,13 @@ class ZmConfigCheck {
   const ZmConfigHash& sections() const;
   /// Where the option at this position of a section comes from.
   Origin origin(const ZmConfig& section, int label) const;
+  /// How the option got its value. The text is read once more for it, and again for each step to
+  /// options that have been expanded before: 32 of them, deeper ones are not followed.
+  History history(std::string_view section, std::string_view label) const;
+  /// Who inherits from and refers to whom, in the DOT language: a node a header, solid arrows to
+  /// parents and dashed ones to the sections that values refer to, in red what is missing and what
+  /// leads back to itself. With `connected` only the nodes with arrows.
+  std::string graph(unsigned char connected) const;
   /// Where the section begins: its first header, or the option that made it.
   Place place(const ZmConfig& section) const;
 
@@ -94,6 +128,7 @@ class ZmConfigCheck {
   std::string text_;
   std::unique_ptr<ZmConfigSurvey> survey_;
   std::vector<Finding> findings_;
+  unsigned char lowercase_;
   unsigned char consistent_ = 1;
 };
 

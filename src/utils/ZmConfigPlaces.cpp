@@ -21,8 +21,8 @@ ZmConfigPlaces::ZmConfigPlaces(std::string_view source) : source_(source), lines
 
 // Whether no byte of the line is dropped.
 bool ZmConfigPlaces::whole(std::size_t index) const {
-  const Line& next = index + 1 < lines_.size() ? lines_[index + 1] : end_;
-  return next.source - lines_[index].source == next.cleaned - lines_[index].cleaned;
+  const Line& behind = next(index);
+  return behind.source - lines_[index].source == behind.cleaned - lines_[index].cleaned;
 }
 
 ZmConfigPosition ZmConfigPlaces::at(std::size_t cleaned) const {
@@ -51,8 +51,12 @@ ZmConfigPosition ZmConfigPlaces::source(std::size_t offset) const {
 }
 
 std::string_view ZmConfigPlaces::line(long number) const {
-  const std::string_view rest = source_.substr(lines_[static_cast<std::size_t>(number) - 1].source);
-  return rest.substr(0, rest.find_first_of("\r\n"));
+  const auto index = static_cast<std::size_t>(number) - 1;
+  const std::size_t from = lines_[index].source;
+  std::string_view text = source_.substr(from, next(index).source - from);
+  if (text.ends_with('\n')) text.remove_suffix(1);
+  if (text.ends_with('\r')) text.remove_suffix(1);
+  return text;
 }
 
 std::size_t ZmConfigPlaces::dropped(long number) const {

@@ -38,6 +38,9 @@ class ZmConfigPlaces {
     std::uint32_t cleaned;  // and in the cleaned text
   };
   bool whole(std::size_t index) const;
+  const Line& next(std::size_t index) const {
+    return index + 1 < lines_.size() ? lines_[index + 1] : end_;
+  }
 
   std::string_view source_;
   std::vector<Line> lines_;

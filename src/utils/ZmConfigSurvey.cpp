@@ -431,9 +431,13 @@ bool ZmConfigSurvey::consistent() const {
   return true;
 }
 
+const ZmConfigSurvey::Heading* ZmConfigSurvey::heading(const ZmConfig& section) const {
+  const auto home = homes_.find(&section);
+  return home == homes_.end() ? nullptr : &headings_[home->second];
+}
+
 std::size_t ZmConfigSurvey::beginning(const ZmConfig& section) const {
-  if (const auto home = homes_.find(&section); home != homes_.end())
-    return headings_[home->second].at;
+  if (const Heading* home = heading(section)) return home->at;
   if (const auto maker = makers_.find(&section); maker != makers_.end())
     return written_[maker->second].qualifier_at;
   return written_.empty() ? 0 : written_.front().label_at;  // the default section

@@ -101,6 +101,8 @@ class ZmConfigSurvey : public ZmConfigObserver {
   std::vector<Found> run(bool lowercase);
   bool consistent() const;
   const Source& source(const ZmString& value) const { return sources_.at(&value); }
+  // The heading that a section was first of; null without one.
+  const Heading* heading(const ZmConfig& section) const;
   // Where the section begins: its first header, else the line that made it.
   std::size_t beginning(const ZmConfig& section) const;
 

@@ -1,0 +1,139 @@
+#include "zmconfigcheck-views.h"
+
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "ZmText.h"
+#include "zmconfigcheck-options.h"
+
+namespace {
+
+const ZmConfig* section(const ZmConfigCheck& check, std::string_view name) {
+  return check.sections().get(zm_string(name));
+}
+
+const ZmConfig& known(const std::string& file, const ZmConfigCheck& check,
+                      const std::string& name) {
+  const ZmConfig* found = section(check, name);
+  if (!found) fail(file + " has no section \"" + name + "\"");
+  return *found;
+}
+
+// A value in quotes, on one line.
+std::string quoted(std::string_view value) {
+  std::string text = "\"";
+  for (const char c : value) {
+    if (c == '"' || c == '\\') text += '\\';
+    if (c == '\n') text += "\\n";
+    if (c == '\r') text += "\\r";
+    if (c != '\n' && c != '\r') text += c;
+  }
+  return text + '"';
+}
+
+std::string where(const std::string& file, const ZmConfigCheck::Place& place) {
+  return file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
+}
+
+std::string how(const ZmConfigCheck::Assignment& set) {
+  const std::string line = " at line " + std::to_string(set.line);
+  if (!set.parent.empty()) return "inherited from " + set.parent + line;
+  if (set.qualified) return "set by its qualified name";
+  if (set.line == 0) return "written above the first header";
+  std::string text = "written under [" + set.header + "]" + line;
+  if (set.sections > 1) text += ", which stands for " + std::to_string(set.sections) + " sections";
+  return text;
+}
+
+std::string followed(const std::string& file, const ZmConfigCheck::Reference& reference) {
+  std::string text(2 * reference.depth + 2, ' ');
+  text += "-> " + reference.section;
+  if (!reference.option.empty()) text += "." + reference.option;
+  const bool set = reference.place.line > 0;
+  text += set || reference.option == "_" ? " = " + quoted(reference.value) : ": undefined";
+  if (reference.circle) text += ", it leads back to itself";
+  if (set) text += " (" + where(file, reference.place) + ")";
+  return text + "\n";
+}
+
+void print(const std::string& file, const ZmConfigCheck::History& history) {
+  const std::size_t last = history.assignments.size() - 1;
+  for (const auto& set : history.assignments) {
+    output().write("  " + where(file, set.label) + ": " + quoted(set.raw) + "\n    " + how(set) +
+                   (&set == &history.assignments[last] ? "" : "; replaced below") + "\n");
+  }
+  for (const auto& reference : history.references) output().write(followed(file, reference));
+}
+
+int explain_option(const std::string& file, const ZmConfigCheck& check, std::string_view section,
+                   std::string_view label) {
+  const ZmConfigCheck::History history = check.history(section, label);
+  if (!history.consistent) fail(file + ": the history of a value leads to another value");
+  output().write(std::string(section) + "." + std::string(label) + " = " + quoted(history.value) +
+                 "\n");
+  print(file, history);
+  return 0;
+}
+
+int explain_section(const std::string& file, const ZmConfigCheck& check, const ZmConfig& section) {
+  for (int i = 0; i < section._count(); ++i) {
+    const ZmConfigCheck::Origin origin = check.origin(section, i);
+    output().write(file + ":" + std::to_string(origin.label.line) + ": " +
+                   section._labelat(i).value() + " = " + quoted(zm_view(section._optionat(i))) +
+                   "\n");
+  }
+  return 0;
+}
+
+// The lines of one side of a difference.
+void print(const std::string& file, const ZmConfigCheck& check, const ZmConfig& section, int label,
+           char sign) {
+  const ZmConfigCheck::Origin origin = check.origin(section, label);
+  std::string text = std::string(1, sign) + section._labelat(label).value() + " = " +
+                     quoted(zm_view(section._optionat(label))) + "\n" + sign + "  " +
+                     where(file, origin.label);
+  if (origin.parent) text += std::string(", inherited from ") + origin.parent->name().value();
+  output().write(text + "\n");
+}
+
+}  // namespace
+
+// Names of sections and options may hold periods: the longest section that has the rest counts.
+int explain(const std::string& file, const ZmConfigCheck& check, const std::string& name) {
+  if (const ZmConfig* whole = section(check, name)) return explain_section(file, check, *whole);
+  for (std::size_t at = name.rfind('.'); at != std::string::npos && at > 0;
+       at = name.rfind('.', at - 1)) {
+    const std::string_view first = std::string_view(name).substr(0, at);
+    const std::string_view label = std::string_view(name).substr(at + 1);
+    const ZmConfig* found = section(check, first);
+    if (found && found->_find(label)) return explain_option(file, check, first, label);
+  }
+  fail(file + " has no section and no option \"" + name + "\"");
+}
+
+int diff(const std::string& file, const ZmConfigCheck& check, const std::string& first,
+         const std::string& second) {
+  const ZmConfig& a = known(file, check, first);
+  const ZmConfig& b = known(file, check, second);
+  std::unordered_map<std::string_view, int> labels;  // of b
+  for (int i = 0; i < b._count(); ++i) labels.emplace(zm_view(b._labelat(i)), i);
+  std::vector<std::pair<int, int>> blocks;  // positions in a and b; -1: it has none
+  for (int i = 0; i < a._count(); ++i) {
+    const auto at = labels.find(zm_view(a._labelat(i)));
+    const int other = at == labels.end() ? -1 : at->second;
+    if (other < 0 || a._optionat(i) != b._optionat(other)) blocks.emplace_back(i, other);
+  }
+  for (int i = 0; i < b._count(); ++i)
+    if (!a._find(zm_view(b._labelat(i)))) blocks.emplace_back(-1, i);
+  if (blocks.empty()) return 0;
+  output().write("--- " + first + "\n+++ " + second + "\n");
+  for (const auto& [in_a, in_b] : blocks) {
+    output().write("@@ " + std::string((in_a < 0 ? b._labelat(in_b) : a._labelat(in_a)).value()) +
+                   " @@\n");
+    if (in_a >= 0) print(file, check, a, in_a, '-');
+    if (in_b >= 0) print(file, check, b, in_b, '+');
+  }
+  return 1;
+}

@@ -114,8 +114,8 @@ class ZmConfigCheck {
   const ZmConfigHash& sections() const;
   /// Where the option at this position of a section comes from.
   Origin origin(const ZmConfig& section, int label) const;
-  /// How the option got its value. The text is read once more for it, and again for each step to
-  /// options that have been expanded before: 32 of them, deeper ones are not followed.
+  /// How the option got its value. The text is read once more for it, and again for each level
+  /// of references: 32 of them, deeper ones are not followed.
   History history(std::string_view section, std::string_view label) const;
   /// Who inherits from and refers to whom, in the DOT language: a node a header, solid arrows to
   /// parents and dashed ones to the sections that values refer to, in red what is missing and what

@@ -1,101 +1,79 @@
 #include "ZmConfigHistory.h"
 
 #include <set>
-#include <string>
-#include <utility>
 
-#include "ZmExpander.h"
+#include "ZmCursor.h"
 #include "ZmText.h"
 
 namespace {
 
 using Name = ZmConfigHistory::Name;
-using Watched = ZmConfigHistory::Watched;
-constexpr int kDeepest = 32;  // readings: a chain of references may be as long as the file
+using Names = ZmConfigHistory::Names;
+using Steps = ZmConfigHistory::Steps;
+constexpr std::size_t kDeepest = 32;  // readings: a chain of references may be as long as the file
 
-// The references of one value, as they are followed.
-class Followed : public ZmConfigObserver {
- public:
-  struct Step {
-    ZmConfigCheck::Reference reference;
-    const ZmString* option;
-  };
-  std::vector<Step> steps;
+// What is known of an option in a scope. A result that does not depend on the scope is remembered,
+// and one that was stored before is copied: then it was read in another one.
+const std::pair<const std::string, Steps>* known(const Names& watched, const Name& name,
+                                                 const std::string& scope) {
+  const auto at = watched.find(name);
+  if (at == watched.end() || at->second.scopes.empty()) return nullptr;
+  const auto& scopes = at->second.scopes;
+  const auto here = scopes.find(scope);
+  return here == scopes.end() ? &*scopes.find(at->second.last) : &*here;
+}
 
- private:
-  void use(const ZmConfigUse& use) override {
-    if (use.depth == 0 && use.number == 0) {  // a circle turned up: it is read once more
-      steps.clear();
-      open_.clear();
-    }
-    const ZmConfigPiece& piece = use.piece;
-    if (use.nested) open_.push_back(steps.size());
-    steps.push_back({{use.depth,
-                      std::string(piece.section),
-                      std::string(piece.label),
-                      {},
-                      std::string(use.result),
-                      use.circle},
-                     piece.value});
-  }
-  void leave(std::string_view result) override {
-    steps[open_.back()].reference.value = result;
-    open_.pop_back();
-  }
-
-  std::vector<std::size_t> open_;  // those whose option is being expanded
-};
-
-// The history of one option with those of what it leads to, each where it is met first.
-ZmConfigCheck::History joined(const std::map<Name, Watched>& watched, const Name& name) {
-  ZmConfigCheck::History whole = watched.at(name).history;
-  whole.references.clear();
+// All steps to the value of an option, those of one option where it is met first.
+Steps followed(const Names& watched, const Name& name) {
   struct Level {
-    const Watched* at;
+    const std::string& scope;
+    const Steps& steps;
     std::size_t next;
-    std::size_t depth;
   };
+  Steps all;
   std::set<Name> met{name};
-  std::vector<Level> levels{{&watched.at(name), 0, 0}};
+  std::vector<Level> levels;
+  if (const auto* first = known(watched, name, name.first))
+    levels.push_back({first->first, first->second, 0});
   while (!levels.empty()) {
     Level& level = levels.back();
-    if (level.next == level.at->later.size()) {
+    if (level.next == level.steps.size()) {
       levels.pop_back();
       continue;
     }
-    const std::size_t i = level.next++;
-    auto& reference = whole.references.emplace_back(level.at->history.references[i]);
-    reference.depth += level.depth;
-    const Name& later = level.at->later[i];
-    if (watched.contains(later) && met.insert(later).second)
-      levels.push_back({&watched.at(later), 0, reference.depth + 1});
+    auto& step = all.emplace_back(level.steps[level.next++]);
+    step.depth = levels.size() - 1;
+    const Name to{step.section, step.option};
+    if (step.circle || !met.insert(to).second) continue;
+    if (const auto* more = known(watched, to, level.scope))
+      levels.push_back({more->first, more->second, 0});
   }
-  return whole;
+  return all;
 }
 
 }  // namespace
 
-// What an option that was expanded before was made with is only seen by watching that one.
 ZmConfigCheck::History ZmConfigHistory::of(std::string_view source, bool lowercase,
                                            const Name& name) {
-  std::map<Name, Watched> watched{{name, {}}};
+  Names watched{{name, {}}};
   std::size_t before = 0;
-  for (int pass = 0; pass < kDeepest && before < watched.size(); ++pass) {
+  for (std::size_t pass = 0; pass < kDeepest && before < watched.size(); ++pass) {
     before = watched.size();
     for (auto& [known, value] : watched) value = {};
     ZmConfigHistory(source, watched).run(lowercase);
-    std::set<Name> later;
-    for (const auto& [known, value] : watched) later.insert(value.later.begin(), value.later.end());
-    later.erase(Name());
-    for (const Name& more : later) watched.try_emplace(more);
+    for (const auto& step : followed(watched, name))
+      watched.try_emplace({step.section, step.option});
   }
-  return joined(watched, name);
+  ZmConfigCheck::History history = std::move(watched[name].history);
+  history.references = followed(watched, name);
+  return history;
 }
 
-ZmConfigHistory::Watched* ZmConfigHistory::watched(const ZmConfig& section, const ZmString& value) {
-  // Names are compared first for one section: there may be very many.
-  const auto near = watched_.lower_bound({section.name().value(), std::string()});
-  if (near == watched_.end() || near->first.first != zm_view(section.name())) return nullptr;
+ZmConfigHistory::Watched* ZmConfigHistory::watched(std::string_view section,
+                                                   const ZmString& value) {
+  // The section first: there may be very many, and few of them are watched.
+  const auto near = watched_.lower_bound({std::string(section), std::string()});
+  if (near == watched_.end() || near->first.first != section) return nullptr;
   const auto at =
       watched_.find({near->first.first, std::string(written(source(value).written).label)});
   return at == watched_.end() ? nullptr : &at->second;
@@ -109,7 +87,7 @@ ZmConfigCheck::Place ZmConfigHistory::place(std::size_t at, std::size_t length) 
 void ZmConfigHistory::stored(const ZmConfig& section, const ZmString& value, const ZmConfig* parent,
                              std::size_t number) {
   ZmConfigSurvey::stored(section, value, parent, number);
-  Watched* watch = watched(section, value);
+  Watched* watch = watched(zm_view(section.name()), value);
   if (!watch) return;
   watch->history.value = zm_view(value);
   const Written& line = written(source(value).written);
@@ -119,43 +97,66 @@ void ZmConfigHistory::stored(const ZmConfig& section, const ZmString& value, con
   set.raw = line.raw;
   set.qualified = line.qualifier_at != kNone;
   if (parent) set.parent = zm_view(parent->name());
-  const std::size_t last = headings().size() - 1;
-  const std::size_t at = parent ? last : line.heading;
-  if (headings().empty() || at > last) return;
+  const std::size_t count = headings().size();
+  const std::size_t at = parent ? count - 1 : line.heading;
+  if (at >= count) return;
   set.header = headings()[at].name;
   set.sections = headings()[at].sections;
   set.line = places().at(headings()[at].at).line;
 }
 
-// Whether what the option was made with can't be seen any more.
-bool ZmConfigHistory::gone(const ZmString& option) const {
-  const Source& from = source(option);
-  return zm_has_reference(written(from.written).raw) && !zm_has_reference(zm_view(option));
+// When a circle turns up, an option is read once more from its first reference on.
+void ZmConfigHistory::use(const ZmConfigUse& use) {
+  ZmConfigSurvey::use(use);
+  open_.resize(use.depth, {nullptr, 0});
+  Watched* watch = source(*use.option).expanded ? nullptr : watched(use.home, *use.option);
+  Steps* steps = nullptr;
+  if (watch) {
+    watch->last = use.scope;
+    steps = &watch->scopes[watch->last];
+    steps->resize(use.number);
+    auto& step = steps->emplace_back();
+    step.section = use.piece.section;
+    step.option = use.piece.label;
+    step.value = use.result;
+    step.circle = use.circle;
+    if (use.piece.value) {
+      const Written& line = written(source(*use.piece.value).written);
+      step.place = place(line.label_at, line.label.size());
+    }
+  }
+  if (use.nested) open_.push_back({steps, use.number});
 }
 
-// Followed from the start, so that nothing that is remembered hides a step.
-void ZmConfigHistory::expand(const ZmConfig& section, const ZmString& value) {
-  Watched* watch = watched(section, value);
-  if (!watch) return;
+void ZmConfigHistory::leave(std::string_view result) {
+  const Open open = open_.back();
+  open_.pop_back();
+  if (open.steps) (*open.steps)[open.step].value = result;
+}
+
+// The value as its pieces and the results of its references make it.
+std::string ZmConfigHistory::joined(const ZmConfig& section, const ZmString& value) const {
   const std::string_view name = zm_view(section.name());
-  Followed followed;
-  ZmExpander expander(sections(), &followed);
-  watch->history.value = expander.expand(name, name, zm_view(value), &value);
-  for (Followed::Step& step : followed.steps) {
-    Name later;
-    if (step.option) {
-      const Written& line = written(source(*step.option).written);
-      step.reference.place = place(line.label_at, line.label.size());
-      if (gone(*step.option)) later = {step.reference.section, step.reference.option};
-    }
-    watch->history.references.push_back(std::move(step.reference));
-    watch->later.push_back(std::move(later));
+  const ZmConfigScope scope{sections(), name, &section};
+  const std::string label(written(source(value).written).label);
+  const auto* found = known(watched_, {std::string(name), label}, std::string(name));
+  std::string text;
+  std::size_t next = 0;
+  for (ZmCursor in(zm_view(value)); !in.eof();) {
+    const bool reference = in.is('$');
+    const ZmConfigPiece piece = scope.next(in, name);
+    if (!reference) text += piece.text;
+    if (reference && found && next < found->second.size()) text += found->second[next++].value;
   }
+  return text;
 }
 
 void ZmConfigHistory::expanded(const ZmConfig& section, const ZmString& value,
                                std::string_view result) {
-  Watched* watch = watched(section, value);
-  if (watch && watch->history.value != result) watch->history.consistent = 0;
+  open_.clear();
+  if (Watched* watch = watched(zm_view(section.name()), value)) {
+    watch->history.value = result;
+    watch->history.consistent = joined(section, value) == result;
+  }
   ZmConfigSurvey::expanded(section, value, result);
 }

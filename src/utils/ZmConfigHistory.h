@@ -14,13 +14,17 @@
 class ZmConfigHistory : private ZmConfigSurvey {
  public:
   using Name = std::pair<std::string, std::string>;  // a section and an option
+  // The references of an option in one scope.
+  using Steps = std::vector<ZmConfigCheck::Reference>;
   struct Watched {
     ZmConfigCheck::History history;
-    std::vector<Name> later;  // for each reference: what has to be watched to follow it, or nothing
+    std::map<std::string, Steps> scopes;
+    std::string last;  // scope that it was read in
   };
+  using Names = std::map<Name, Watched>;
 
   // Borrows everything, and fills in what is watched.
-  ZmConfigHistory(std::string_view source, std::map<Name, Watched>& watched)
+  ZmConfigHistory(std::string_view source, Names& watched)
       : ZmConfigSurvey(source), watched_(watched) {}
   void run(bool lowercase) { ZmConfigSurvey::run(lowercase); }
 
@@ -28,15 +32,21 @@ class ZmConfigHistory : private ZmConfigSurvey {
   static ZmConfigCheck::History of(std::string_view source, bool lowercase, const Name& name);
 
  private:
+  struct Open {
+    Steps* steps;  // null: it is not watched
+    std::size_t step;
+  };
   void stored(const ZmConfig& section, const ZmString& value, const ZmConfig* parent,
               std::size_t number) override;
-  void expand(const ZmConfig& section, const ZmString& value) override;
+  void use(const ZmConfigUse& use) override;
+  void leave(std::string_view result) override;
   void expanded(const ZmConfig& section, const ZmString& value, std::string_view result) override;
-  Watched* watched(const ZmConfig& section, const ZmString& value);
+  Watched* watched(std::string_view section, const ZmString& value);
+  std::string joined(const ZmConfig& section, const ZmString& value) const;
   ZmConfigCheck::Place place(std::size_t at, std::size_t length) const;
-  bool gone(const ZmString& option) const;
 
-  std::map<Name, Watched>& watched_;
+  Names& watched_;
+  std::vector<Open> open_;  // the references whose options are being expanded, by their depth
 };
 
 #endif

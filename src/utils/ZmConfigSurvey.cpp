@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <ranges>
 #include <tuple>
 #include <utility>
 
@@ -92,10 +91,10 @@ void ZmConfigSurvey::token(const ZmConfigToken& token, const ZmConfigScanner& sc
     part.kind = Part::kContent;
   } else if (last_ == Part::kContent) {
     part.kind = Part::kClose;
-  } else if (token.offset < text().size()) {
-    const char first = text()[token.offset];
-    if (first == '{') part.kind = Part::kBraced;
-    if (first == '"') part.kind = Part::kOpen;
+  } else if (starts(token.offset, '{')) {
+    part.kind = Part::kBraced;
+  } else if (starts(token.offset, '"')) {
+    part.kind = Part::kOpen;
   }
   last_ = part.kind;
   if (last_ == Part::kOpen) quote_ = token.offset;
@@ -301,10 +300,10 @@ std::vector<std::uint32_t> ZmConfigSurvey::offsets(const Written& written) const
   } else {
     ZmConfigScanner scanner(text().substr(written.value_at, written.end - written.value_at));
     ZmConfigToken token;
-    const bool quoted = text()[written.value_at] == '"' && scanner.next(token);
+    const bool quoted = starts(written.value_at, '"') && scanner.next(token);
     while (offsets.size() < written.raw.size() && scanner.next(token)) {
       const std::size_t at = written.value_at + token.offset;
-      walk(token.text, at + (!quoted && text()[at] == '{'));
+      walk(token.text, at + (!quoted && starts(at, '{')));
     }
   }
   offsets.resize(written.raw.size() + 1, written.end);
@@ -363,10 +362,10 @@ struct ZmConfigSurvey::Step {
 // same ones: one finding for each place.
 void ZmConfigSurvey::loops() {
   std::unordered_set<const ZmString*> done;
-  std::unordered_map<std::uint64_t, std::size_t> told;            // places and their findings
-  for (const ZmString* first : circles_ | std::views::reverse) {  // as the file has them
-    if (done.contains(first)) continue;
-    const std::vector<Step> steps = loop(first, done);
+  std::unordered_map<std::uint64_t, std::size_t> told;  // places and their findings
+  for (auto first = circles_.rbegin(); first != circles_.rend(); ++first) {  // as in the file
+    if (done.contains(*first)) continue;
+    const std::vector<Step> steps = loop(*first, done);
     if (steps.empty()) continue;
     const Step& closing = steps.back();
     const std::uint32_t line = sources_.at(closing.from).written;

@@ -151,6 +151,7 @@ class ZmConfigSurvey : public ZmConfigObserver {
   template <class Find, class... Thing>
   void ask(const Thing&... thing);
   void next();
+  bool starts(std::size_t at, char c) const { return at < text().size() && text()[at] == c; }
   std::string_view keep(std::string_view text);
   bool keeps(std::string_view text) const;
   void comment(std::size_t at);

@@ -1,0 +1,84 @@
+// The checker: its sections are those of the reader, what it finds stands in the text and in its
+// order, and every value has an origin and a history that leads to it.
+#include <cstdint>
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "ZmConfigCheck.h"
+#include "ZmConfigFile.h"
+#include "ZmText.h"
+
+namespace {
+
+void require(bool condition) {
+  if (!condition) __builtin_trap();
+}
+
+// References can ask for exponential results, and brackets for many sections.
+bool modest(std::string_view text) {
+  int references = 0, brackets = 0, digits = 0;
+  for (const char c : text) {
+    references += c == '$';
+    brackets += c == '[';
+    digits = c >= '0' && c <= '9' ? digits + 1 : c >= 32 && c <= 126 ? 0 : digits;
+    if (digits > 2) return false;
+  }
+  return text.size() <= 1024 && references <= 24 && brackets <= 12;
+}
+
+void checkplace(const ZmConfigCheck& check, std::string_view text,
+                const ZmConfigCheck::Place& place) {
+  require(place.line >= 1 && place.column >= 1 && place.offset <= text.size());
+  const auto before = static_cast<std::size_t>(place.column - 1);
+  require(place.offset >= before && before <= check.line(place).size() + 2);
+  require(text.substr(place.offset - before).starts_with(check.line(place)));
+}
+
+void checkfindings(const ZmConfigCheck& check, std::string_view text) {
+  std::size_t line = 0;
+  for (const auto& finding : check.findings()) {
+    checkplace(check, text, finding.place);
+    for (const auto& note : finding.notes) checkplace(check, text, note.place);
+    require(static_cast<std::size_t>(finding.place.line) >= line);
+    line = static_cast<std::size_t>(finding.place.line);
+  }
+}
+
+void checksection(const ZmConfigCheck& check, std::string_view text, const ZmConfig& section) {
+  checkplace(check, text, check.place(section));
+  for (int i = 0; i < section._count(); ++i) {
+    const auto origin = check.origin(section, i);
+    checkplace(check, text, origin.label);
+    checkplace(check, text, origin.value);
+    if (i > 2) continue;  // each reads the text anew
+    const auto history = check.history(zm_view(section.name()), zm_view(section._labelat(i)));
+    require(history.consistent && history.value == zm_view(section._optionat(i)));
+    require(!history.assignments.empty() && history.assignments.back().raw == origin.raw);
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  if (!modest(text)) return 0;
+  std::cerr.setstate(std::ios::failbit);  // no warnings
+  ZmConfigFile file;
+  file.parse(zm_string(text));
+  std::cerr.clear();
+  const ZmConfigCheck check{std::string(text)};
+  require(check.consistent());
+  checkfindings(check, text);
+  ZmStringList names;
+  file.keys(names);
+  require(names.length() == check.sections()._table().count());
+  for (int i = 0; i < names.length(); ++i) {
+    const ZmConfig* section = check.sections().get(*names.get(i));
+    require(section && section->convert() == file.config(*names.get(i))->convert());
+    if (i < 4) checksection(check, text, *section);
+  }
+  require(!check.graph(0).empty());
+  return 0;
+}

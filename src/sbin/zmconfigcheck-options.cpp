@@ -22,6 +22,8 @@ constexpr std::string_view kHelp =
     "  --explain NAME        where the values of a section, or of SECTION.OPTION, come from\n"
     "  --diff A B            how two sections differ; then the status is 1\n"
     "  --graph               who inherits from and refers to whom, for Graphviz\n"
+    "  --json                findings and sections for programs\n"
+    "  --sarif               findings for code scanning services\n"
     "  --ignore RULE[,RULE]  silences rules\n"
     "  --only RULE[,RULE]    silences all other rules\n"
     "  --strict              warnings make the status 1, too\n"
@@ -39,6 +41,8 @@ enum Code {
   kExplain = 256,
   kDiff,
   kGraph,
+  kJson,
+  kSarif,
   kIgnore,
   kOnly,
   kStrict,
@@ -52,6 +56,8 @@ enum Code {
 const option kOptions[] = {{"explain", required_argument, nullptr, kExplain},
                            {"diff", required_argument, nullptr, kDiff},
                            {"graph", optional_argument, nullptr, kGraph},
+                           {"json", no_argument, nullptr, kJson},
+                           {"sarif", no_argument, nullptr, kSarif},
                            {"ignore", required_argument, nullptr, kIgnore},
                            {"only", required_argument, nullptr, kOnly},
                            {"strict", no_argument, nullptr, kStrict},
@@ -115,12 +121,12 @@ std::size_t number(std::string_view text) {
 
 void set_view(Options& options, View view, std::string_view value) {
   if (options.view != View::kFindings)
-    usage("only one of --explain, --diff and --graph can be given");
+    usage("only one of --explain, --diff, --graph, --json and --sarif can be given");
   options.view = view;
   options.name = value;
   if (view == View::kGraph && !value.empty() && value != "connected")
     usage("the value of --graph can only be \"connected\"");
-  options.connected = !value.empty();
+  options.connected = value == "connected";
 }
 
 // The second argument of --diff.
@@ -147,6 +153,8 @@ Options read_options(int argc, char** argv) {
     const std::string given = argv[::optind - 1];
     if (code == kExplain) set_view(options, View::kExplain, value);
     if (code == kGraph) set_view(options, View::kGraph, value);
+    if (code == kJson) set_view(options, View::kJson, value);
+    if (code == kSarif) set_view(options, View::kSarif, value);
     if (code == kDiff) {
       set_view(options, View::kDiff, value);
       options.other = another(argc, argv);
@@ -166,7 +174,7 @@ Options read_options(int argc, char** argv) {
   }
   options.files.assign(argv + ::optind, argv + argc);
   if (options.files.empty()) usage("no file is given");
-  if (options.view != View::kFindings && options.files.size() > 1)
+  if (options.view >= View::kExplain && options.files.size() > 1)
     usage("--explain, --diff and --graph want one file");
   return options;
 }

@@ -11,7 +11,7 @@
 
 constexpr int kUsage = 2;  // and unreadable files, and everything else that keeps from checking
 
-enum class View { kFindings, kExplain, kDiff, kGraph };
+enum class View { kFindings, kJson, kSarif, kExplain, kDiff, kGraph };
 
 struct Options {
   View view = View::kFindings;

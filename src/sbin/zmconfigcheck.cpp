@@ -3,6 +3,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <iostream>
@@ -11,6 +12,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "zmconfigcheck-json.h"
 #include "zmconfigcheck-options.h"
 #include "zmconfigcheck-text.h"
 #include "zmconfigcheck-views.h"
@@ -51,16 +53,13 @@ bool wanted(const Options& options, const ZmConfigCheck::Finding& finding) {
 }
 
 void print(const Options& options, const std::string& file, const ZmConfigCheck& check,
-           Count& count) {
-  const FindingText findings(file, check, options.color);
-  std::size_t found = 0;
-  for (const auto& finding : check.findings()) {
-    if (!wanted(options, finding)) continue;
-    ++(finding.severity == ZmConfigCheck::Severity::kError ? count.errors : count.warnings);
-    if (found++ < options.limit || options.limit == 0) output().write(findings.text(finding));
-  }
-  if (options.limit > 0 && found > options.limit)
-    output().write(file + ": note: " + std::to_string(found - options.limit) +
+           const JsonReport::Findings& findings) {
+  const FindingText text(file, check, options.color);
+  const std::size_t all = findings.size();
+  const std::size_t shown = options.limit > 0 ? std::min(options.limit, all) : all;
+  for (std::size_t i = 0; i < shown; ++i) output().write(text.text(*findings[i]));
+  if (shown < all)
+    output().write(file + ": note: " + std::to_string(all - shown) +
                    " more findings, --limit 0 shows all\n");
 }
 
@@ -92,8 +91,9 @@ int view(const Options& options) {
 
 int run(int argc, char** argv) {
   const Options options = read_options(argc, argv);
-  if (options.view != View::kFindings) return view(options);
+  if (options.view >= View::kExplain) return view(options);
   Count count;
+  JsonReport report(options.view == View::kSarif);
   bool failed = false;
   std::unique_ptr<ZmConfigCheck> check;  // the last one goes with the process, all at once
   for (const std::string& path : options.files) {
@@ -108,8 +108,19 @@ int run(int argc, char** argv) {
     }
     check = std::make_unique<ZmConfigCheck>(std::move(*text), options.lowercase);
     if (!check->consistent()) fail(name + kFault);
-    print(options, name, *check, count);
+    JsonReport::Findings findings;
+    for (const auto& finding : check->findings()) {
+      if (!wanted(options, finding)) continue;
+      findings.push_back(&finding);
+      ++(finding.severity == ZmConfigCheck::Severity::kError ? count.errors : count.warnings);
+    }
+    if (options.view == View::kFindings) {
+      print(options, name, *check, findings);
+    } else {
+      report.add(name, *check, findings);
+    }
   }
+  if (options.view != View::kFindings) output().write(report.text());
   output().flush();
   summary(count, options.files.size());
   if (failed) return kUsage;

@@ -221,7 +221,7 @@ void ZmExpander::tell(Frame& frame, const ZmConfigPiece& piece, bool circle) {
     if (piece.qualified && zm_has_reference(result)) {
       const Node& to = node(piece);
       nested = !stands(to);
-      result = std::string_view(out_).substr(to.start, nested ? 0 : to.length);
+      result = nested ? "" : std::string_view(out_).substr(to.start, to.length);
     }
   }
   observer_->use({asked ? option_ : frame.node->value, asked ? scope_.name : frame.self,

@@ -1,0 +1,164 @@
+#include "zmconfigcheck-json.h"
+
+#include <algorithm>
+#include <cctype>
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+#include "ZmText.h"
+#include "ZmVersion.h"
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+bool is_error(ZmConfigCheck::Severity severity) {
+  return severity == ZmConfigCheck::Severity::kError;
+}
+
+std::string_view name(ZmConfigCheck::Severity severity) {
+  return is_error(severity) ? "error" : "warning";
+}
+
+// Where a place ends on its line.
+long end_column(const ZmConfigCheck& check, const ZmConfigCheck::Place& place) {
+  const long line_end = static_cast<long>(check.line(place).size()) + 1;
+  return std::max(place.column, std::min(line_end, place.column + static_cast<long>(place.length)));
+}
+
+Json placed(const ZmConfigCheck& check, const ZmConfigCheck::Place& place) {
+  return {{"line", place.line}, {"column", place.column}, {"end_column", end_column(check, place)}};
+}
+
+Json finding_json(const ZmConfigCheck& check, const ZmConfigCheck::Finding& finding) {
+  Json json{{"rule", finding.rule->name}, {"severity", name(finding.severity)}};
+  json.update(placed(check, finding.place));
+  json["text"] = finding.text;
+  json["notes"] = Json::array();
+  for (const auto& note : finding.notes) {
+    Json one = placed(check, note.place);
+    one["text"] = note.text;
+    json["notes"].push_back(std::move(one));
+  }
+  json["sections"] = {{"first", finding.section}, {"count", finding.sections}};
+  return json;
+}
+
+Json option_json(const ZmConfigCheck& check, const ZmConfig& section, int label) {
+  const ZmConfigCheck::Origin origin = check.origin(section, label);
+  Json json{{"name", zm_view(section._labelat(label))},
+            {"value", zm_view(section._optionat(label))},
+            {"raw", origin.raw},
+            {"line", origin.label.line},
+            {"column", origin.label.column},
+            {"inherited_from", nullptr}};
+  if (origin.parent) json["inherited_from"] = zm_view(origin.parent->name());
+  return json;
+}
+
+Json section_json(const ZmConfigCheck& check, const ZmString& key) {
+  const ZmConfig& section = *check.sections().get(key);
+  Json json{
+      {"name", zm_view(key)}, {"line", check.place(section).line}, {"options", Json::array()}};
+  for (int i = 0; i < section._count(); ++i)
+    json["options"].push_back(option_json(check, section, i));
+  return json;
+}
+
+// A file name as a part of a URI.
+std::string uri(std::string_view file) {
+  constexpr std::string_view kHex = "0123456789ABCDEF";
+  std::string text;
+  for (const char c : file) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (std::isalnum(byte) || std::string_view("/-._~").find(c) != std::string_view::npos) {
+      text += c;
+    } else {
+      text += {'%', kHex[byte >> 4U], kHex[byte & 15U]};
+    }
+  }
+  return text;
+}
+
+// Columns count bytes, which are letters in all texts that the reader takes as they are.
+Json location(const ZmConfigCheck& check, const std::string& file,
+              const ZmConfigCheck::Place& place) {
+  return {{"artifactLocation", {{"uri", uri(file)}}},
+          {"region",
+           {{"startLine", place.line},
+            {"startColumn", place.column},
+            {"endColumn", end_column(check, place)}}}};
+}
+
+Json sarif_result(const ZmConfigCheck& check, const std::string& file,
+                  const ZmConfigCheck::Finding& finding) {
+  Json json{{"ruleId", finding.rule->name},
+            {"level", name(finding.severity)},
+            {"message", {{"text", finding.text}}},
+            {"locations", Json::array()}};
+  json["locations"].push_back({{"physicalLocation", location(check, file, finding.place)}});
+  for (const auto& note : finding.notes)
+    json["relatedLocations"].push_back({{"message", {{"text", note.text}}},
+                                        {"physicalLocation", location(check, file, note.place)}});
+  return json;
+}
+
+Json sarif_rules() {
+  Json rules = Json::array();
+  for (const auto* rule : ZmConfigCheck::rules())
+    rules.push_back({{"id", rule->name},
+                     {"shortDescription", {{"text", rule->sentence}}},
+                     {"help", {{"text", rule->remedy}}},
+                     {"defaultConfiguration", {{"level", name(rule->severity)}}}});
+  return rules;
+}
+
+std::string written(const Json& json) {
+  return json.dump(1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace
+
+struct JsonReport::Content {
+  bool sarif;
+  Json files = Json::array();
+  Json results = Json::array();
+  std::size_t errors = 0;
+  std::size_t warnings = 0;
+};
+
+JsonReport::JsonReport(bool sarif) : content_(std::make_unique<Content>(Content{sarif})) {}
+JsonReport::~JsonReport() = default;
+
+void JsonReport::add(const std::string& file, const ZmConfigCheck& check,
+                     const Findings& findings) {
+  if (content_->sarif) {
+    for (const auto* finding : findings)
+      content_->results.push_back(sarif_result(check, file, *finding));
+    return;
+  }
+  Json json{{"file", file}, {"findings", Json::array()}, {"sections", Json::array()}};
+  for (const auto* finding : findings) {
+    ++(is_error(finding->severity) ? content_->errors : content_->warnings);
+    json["findings"].push_back(finding_json(check, *finding));
+  }
+  ZmStringList names;
+  check.sections().copykeys(names);
+  names.sort();
+  for (int i = 0; i < names.length(); ++i)
+    json["sections"].push_back(section_json(check, *names.get(i)));
+  content_->files.push_back(std::move(json));
+}
+
+std::string JsonReport::text() const {
+  if (!content_->sarif)
+    return written({{"files", content_->files},
+                    {"errors", content_->errors},
+                    {"warnings", content_->warnings}});
+  const Json driver{{"name", "zmconfigcheck"}, {"version", kZmVersion}, {"rules", sarif_rules()}};
+  Json json{{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
+            {"version", "2.1.0"},
+            {"runs", Json::array()}};
+  json["runs"].push_back({{"tool", {{"driver", driver}}}, {"results", content_->results}});
+  return written(json);
+}

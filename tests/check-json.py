@@ -1,0 +1,49 @@
+#!/usr/bin/env python3
+"""check-json.py TOOL SCHEMA: what the tool writes with --json about the files in tests/check is valid
+and says what its text says; --sarif holds the same findings."""
+import glob
+import json
+import os
+import subprocess
+import sys
+
+try:
+    import jsonschema
+except ImportError:
+    print("needs jsonschema for Python")
+    sys.exit(77)  # skipped
+
+tool, schema = sys.argv[1:]
+os.chdir(os.path.join(os.path.dirname(os.path.abspath(__file__)), "check"))
+files = sorted(glob.glob("*.conf"))
+
+
+def printed(*options):
+    done = subprocess.run([tool, *options, *files], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+    assert done.returncode == 1, done
+    return done.stdout.decode()
+
+
+document = json.loads(printed("--json"))
+with open(schema) as file:
+    jsonschema.Draft202012Validator(json.load(file)).validate(document)
+told = [
+    f"{file['file']}:{f['line']}:{f['column']}: {f['severity']}: {f['text']} [{f['rule']}]"
+    for file in document["files"]
+    for f in file["findings"]
+]
+assert [file["file"] for file in document["files"]] == files
+assert told == [line for line in printed("--limit", "0").splitlines() if line.endswith("]") and
+                (": error: " in line or ": warning: " in line)]
+assert len(told) == document["errors"] + document["warnings"]
+
+explained = {s["name"]: s for f in document["files"] if f["file"] == "explain.conf" for s in f["sections"]}
+assert explained["child"]["line"] == 7
+assert explained["child"]["options"][1] == {
+    "name": "log", "value": "/srv/log of child", "raw": "${base.root}/log of ${_}",
+    "line": 4, "column": 1, "inherited_from": "node1"}
+
+run = json.loads(printed("--sarif"))["runs"][0]
+rules = [rule["id"] for rule in run["tool"]["driver"]["rules"]]
+assert [r["message"]["text"] in line for r, line in zip(run["results"], told)].count(False) == 0
+assert len(run["results"]) == len(told) and all(r["ruleId"] in rules for r in run["results"])

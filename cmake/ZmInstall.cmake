@@ -18,9 +18,9 @@ set(dev COMPONENT libzmapi-dev)
 # The tool and the library with its headers.
 file(RELATIVE_PATH to_libdir "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
 if(BUILD_SHARED_LIBS)
-  set_target_properties(zmconfigfile PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libdir}")
+  set_target_properties(zmconfigfile zmconfigcheck PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libdir}")
 endif()
-install(TARGETS zmconfigfile RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" ${tools})
+install(TARGETS zmconfigfile zmconfigcheck RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" ${tools})
 install(TARGETS ZmApi EXPORT ZmApiTargets
   ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" ${dev}
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" ${dev}
@@ -57,14 +57,15 @@ else()
 endif()
 set(ZM_BASH_COMPLETIONS_DIR "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" CACHE STRING
   "Where the completion for bash is installed")
-install(FILES "${PROJECT_SOURCE_DIR}/completions/zmconfigfile.bash" RENAME zmconfigfile
-  DESTINATION "${ZM_BASH_COMPLETIONS_DIR}" ${tools})
-install(FILES "${PROJECT_SOURCE_DIR}/completions/_zmconfigfile"
-  DESTINATION "${zshdir}" ${tools})
+foreach(tool zmconfigfile zmconfigcheck)
+  install(FILES "${PROJECT_SOURCE_DIR}/completions/${tool}.bash" RENAME ${tool}
+    DESTINATION "${ZM_BASH_COMPLETIONS_DIR}" ${tools})
+  install(FILES "${PROJECT_SOURCE_DIR}/completions/_${tool}" DESTINATION "${zshdir}" ${tools})
+endforeach()
 
 # Manual pages, compressed as man pages are everywhere; without gzip as they are.
 set(ZM_MAN_PAGES
-  zmconfigfile.1 zmconfigfile.5)
+  zmconfigcheck.1 zmconfigfile.1 zmconfigfile.5)
 
 find_program(ZM_GZIP gzip)
 function(zm_install_gzipped file name)  # FILE as NAME.gz; further arguments go to install()
@@ -106,6 +107,8 @@ else()
 endif()
 install(FILES "${PROJECT_SOURCE_DIR}/examples/farm.conf"
   DESTINATION "${docdir_torvel-tools}/examples" ${tools})
+install(FILES "${PROJECT_SOURCE_DIR}/docs/zmconfigcheck.schema.json"
+  DESTINATION "${docdir_torvel-tools}" ${tools})
 install(FILES "${PROJECT_SOURCE_DIR}/docs/guide.md" DESTINATION "${docdir_libzmapi-dev}" ${dev})
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/" DESTINATION "${docdir_libzmapi-dev}/examples"
   ${dev} FILES_MATCHING PATTERN "*.cpp" PATTERN "*.out" PATTERN "farm.conf")

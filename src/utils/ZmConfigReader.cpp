@@ -112,7 +112,7 @@ bool ZmConfigReader::option() {
   const std::size_t value_at = token_.offset;
   Option option(label, joined(token_.is('"'), longer_value));
   option.number = lines_++;
-  if (observer_) {
+  if (observer_) [[unlikely]] {
     const std::size_t qualifier_at = qualified ? at : ZmConfigLine::kNone;
     observer_->option({label_at, qualifier_at, value_at, label, qualifier, option.value});
   }
@@ -193,7 +193,8 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
   } else {
     label = config._store(option.label, option.hash, option.value);
   }
-  if (observer_) told(target, label, option);
+  if (observer_) [[unlikely]]
+    told(target, label, option);
   if (!option.references) return;
   if (target.created == kNone || label < 0) {
     mixed_.insert(&config);
@@ -251,10 +252,12 @@ std::vector<int> ZmConfigReader::positions(const Created& created) const {
 void ZmConfigReader::expand(ZmExpander& expander, ZmConfig& config, int label) {
   const ZmString& value = config._optionat(label);
   if (!zm_has_reference(zm_view(value))) return;
-  if (observer_) observer_->expand(config, value);
+  if (observer_) [[unlikely]]
+    observer_->expand(config, value);
   const std::string_view section = zm_view(config.name());
   const std::string_view result = expander.expand(section, section, zm_view(value), &value);
-  if (observer_) observer_->expanded(config, value, result);
+  if (observer_) [[unlikely]]
+    observer_->expanded(config, value, result);
   config._replace(label, result);
   expander.replaced(value);
 }

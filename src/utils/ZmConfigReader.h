@@ -61,7 +61,8 @@ class ZmConfigReader {
 
   void advance() {
     more_ = scanner_.next(token_);
-    if (observer_) observer_->token(token_, scanner_);
+    if (observer_) [[unlikely]]
+      observer_->token(token_, scanner_);
   }
   bool skiplines();
   void header();

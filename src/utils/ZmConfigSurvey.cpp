@@ -73,6 +73,8 @@ void ZmConfigSurvey::ask(const Thing&... thing) {
 }
 
 std::vector<ZmConfigSurvey::Found> ZmConfigSurvey::run(bool lowercase) {
+  constexpr std::size_t kLine = 32;  // bytes of an option line in most files
+  sources_.reserve(text().size() / kLine);
   const ZmString home("default");
   ZmConfigReader(sections_, home, lowercase, text(), this).run();
   ask<ZmEndRule>();

@@ -76,7 +76,8 @@ ZmExpander::Node* ZmExpander::step(Frame& frame) {
     const bool reference = frame.in.is('$');
     const ZmConfigPiece piece = scope_.next(frame.in, frame.self);
     const bool circle = piece.value && piece.qualified && cut(frame.node, *piece.value);
-    if (observer_ && reference) tell(frame, piece, circle);
+    if (observer_ && reference) [[unlikely]]
+      tell(frame, piece, circle);
     frame.scoped |= piece.scoped;
     append(piece.text);
     if (!piece.value || circle) continue;

@@ -214,7 +214,6 @@ void ZmExpander::append(std::string_view text) {
 }
 
 void ZmExpander::tell(Frame& frame, const ZmConfigPiece& piece, bool circle) {
-  const bool asked = chain_.size() == 1;
   std::string_view result = piece.text;
   bool nested = false;
   if (piece.value && !circle) {
@@ -225,7 +224,7 @@ void ZmExpander::tell(Frame& frame, const ZmConfigPiece& piece, bool circle) {
       result = nested ? "" : std::string_view(out_).substr(to.start, to.length);
     }
   }
-  observer_->use({asked ? option_ : frame.node->value, asked ? scope_.name : frame.self,
-                  scope_.name, frame.references++, chain_.size() - 1, piece, circle, nested,
-                  result});
+  const ZmString* option = frame.node ? frame.node->value : option_;
+  observer_->use({option, frame.self, scope_.name, frame.references++, chain_.size() - 1, piece,
+                  circle, nested, result});
 }

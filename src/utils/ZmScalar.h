@@ -64,7 +64,7 @@ class ZmScalar : public ZmBase {
   static void eval(const ZmString& op, ZmScalar& a, ZmScalar& b, ZmScalar& result);
 
  private:
-  friend class ZmEvaluation;
+  friend class ZmExpression;                      // its evaluation
   enum Kind : int { kInteger, kFloat, kString };  // a wider kind wins
 
   void _set(int number) {

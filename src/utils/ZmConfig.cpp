@@ -1,10 +1,9 @@
 #include "ZmConfig.h"
 
-#include <unistd.h>
-
 #include <iostream>
 #include <memory>
 
+#include "ZmHost.h"
 #include "ZmSectionValue.h"
 #include "ZmText.h"
 
@@ -125,11 +124,7 @@ unsigned char ZmConfig::matchsubset(const ZmConfig& other) const {
   return 1;
 }
 
-ZmString ZmConfig::host() const {
-  char name[1024] = {};
-  if (::gethostname(name, sizeof name - 1) != 0) return {};
-  return name;
-}
+ZmString ZmConfig::host() const { return zm_hostname(); }
 
 ZmString ZmConfig::convert() const {
   ZmString text;

@@ -10,6 +10,7 @@
 #include "ZmSplit.h"
 #include "ZmStack.h"
 #include "ZmText.h"
+#include "ZmTextList.h"
 
 namespace {
 
@@ -174,8 +175,7 @@ void ZmExpression::variables(ZmStringList& out) const {
   for (pending.push(this); !pending.empty();) {
     const ZmExpression* node = pending.pop();
     if (node->reference_ && node->name_.length() > 0 && node->reference_->variable(node->name_)) {
-      auto name = std::make_unique<ZmString>(node->name_);
-      if (out.push(name.get())) static_cast<void>(name.release());
+      zm_push(out, std::make_unique<ZmString>(node->name_));
     } else if (node->b_) {
       if (node->a_ && !node->_unary()) pending.push(node->a_);
       pending.push(node->b_);

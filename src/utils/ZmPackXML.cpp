@@ -20,7 +20,6 @@ namespace {
 
 constexpr std::string_view kItem = "item";
 
-constexpr ZmCharSet kBlank(" \t\r\n");
 // What does not stand for itself: inside an element, and inside an attribute, where readers make
 // spaces of tabs and line ends.
 constexpr ZmCharSet kMarkup("&<>\r\x7f"), kQuoted("&<>\r\x7f\"\t\n");
@@ -44,12 +43,6 @@ std::string_view reference(char c) {
     default:
       return "&#127;";
   }
-}
-
-std::string_view trimmed(std::string_view text) {
-  while (!text.empty() && kBlank.has(text.front())) text.remove_prefix(1);
-  while (!text.empty() && kBlank.has(text.back())) text.remove_suffix(1);
-  return text;
 }
 
 // A NaN carries bits of its own. Those of any but the usual one stand behind it: "nan(12ab)".
@@ -230,7 +223,7 @@ template <class T>
 void ZmPack::_takeXML(const ZmString& name, T& value) const {
   const ZmString* held = _text(name);
   if (!held) return;
-  const std::string_view text = trimmed(zm_view(*held));
+  const std::string_view text = zm_trimmed(zm_view(*held));
   const char* end = text.data() + text.size();
   T number{};
   const auto [at, error] = std::from_chars(text.data(), end, number);
@@ -241,7 +234,7 @@ void ZmPack::restoreXML(const ZmString& name, int& value) { _takeXML(name, value
 void ZmPack::restoreXML(const ZmString& name, long long& value) { _takeXML(name, value); }
 void ZmPack::restoreXML(const ZmString& name, float& value) {
   const ZmString* text = _text(name);
-  const std::uint32_t bits = text ? payload(trimmed(zm_view(*text))) : 0;
+  const std::uint32_t bits = text ? payload(zm_trimmed(zm_view(*text))) : 0;
   if (bits == 0) return _takeXML(name, value);
   value = std::bit_cast<float>(bits);
 }
@@ -274,7 +267,7 @@ void ZmPack::_decodeXML(ZmPackObj& element) {
 int ZmPack::_insideXML(const ZmString& name) const {
   const ZmPackObj* element = _element() ? _element()->find(name) : nullptr;
   if (!element) return -1;
-  const bool empty = element->text() && trimmed(zm_view(*element->text())).empty();
+  const bool empty = element->text() && zm_trimmed(zm_view(*element->text())).empty();
   return element->length() > 0 || empty ? element->length() : -1;
 }
 

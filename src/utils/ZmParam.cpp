@@ -8,6 +8,7 @@
 #include "ZmCursor.h"
 #include "ZmNumber.h"
 #include "ZmText.h"
+#include "ZmTextList.h"
 
 namespace {
 
@@ -70,10 +71,7 @@ unsigned char ZmParam::defineDiffOption(const ZmString& name) { return _define(k
 unsigned char ZmParam::parse(int argc, char** argv) {
   if (argc > 0) name_ = argv[0];
   ZmStringList args;
-  for (int i = 1; i < argc; ++i) {
-    auto argument = std::make_unique<ZmString>(argv[i]);
-    if (args.push(argument.get())) static_cast<void>(argument.release());
-  }
+  for (int i = 1; i < argc; ++i) zm_push(args, std::make_unique<ZmString>(argv[i]));
   return parse(args);
 }
 

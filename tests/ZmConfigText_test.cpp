@@ -66,6 +66,9 @@ TEST(ZmConfigText, LoadsFiles) {
   config.load(path.c_str());
   EXPECT_FALSE(config.valid());
   EXPECT_STREQ(config.option("b").value(), "2");
+  config.parse("c = 3");
+  config.load(testing::TempDir().c_str());  // opens, but can't be read
+  EXPECT_EQ(config.valid() + config.option("c"), "03");
 }
 
 TEST(ZmConfigText, FillsTemplates) {
@@ -83,4 +86,7 @@ TEST(ZmConfigText, FillsTemplates) {
     const std::string again = used(result);
     EXPECT_EQ(again.find(kRest), std::string::npos) << again;
   }
+  ZmConfig lacking;  // the options of its labels, as a record may do
+  lacking.unpackXML("<config><labels><item>a</item><item>b</item></labels></config>");
+  EXPECT_EQ(lacking.usetemplate("a = 1\n#b = 1\n").value(), "#a = 1\n#b = 1\n" + kRest + "b = \n");
 }

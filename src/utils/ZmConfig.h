@@ -74,7 +74,8 @@ class ZmConfig : public ZmPack {
   /// the rest of its line is ignored. Lines that don't fit are skipped.
   /// @{
 
-  /// Reads the file's text; when it can't be opened only the valid flag changes, to 0.
+  /// Reads the file's text; when it can't be read, as a directory, only the valid flag changes, to
+  /// 0.
   void load(const ZmString& path);
   unsigned char parse(const ZmString& text);                          ///< Reads the text. Always 1.
   unsigned char revert(const ZmString& text) { return parse(text); }  ///< parse(text).

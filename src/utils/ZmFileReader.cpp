@@ -6,6 +6,8 @@
 
 #include <cerrno>
 #include <climits>
+#include <new>
+#include <utility>
 
 namespace {
 
@@ -45,21 +47,26 @@ bool zm_read_file(const ZmString& path, ZmString& text) {
   const Descriptor file(::open(path.value(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   struct stat status {};
   if (file.get() < 0 || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
-  text.clear();
+  if (status.st_size >= INT_MAX) throw std::bad_alloc();
+  ZmString whole;
+  whole.secure_ = text.secure_;
   // The room that growth would come to, at once. A file that reports no size, as those of /proc do,
   // is read all the same.
-  if (status.st_size >= text.size_ && status.st_size < INT_MAX / 4)
-    text._resize(static_cast<int>(status.st_size + 1) * 4);
-  for (;;) {
-    if (text.size_ - text.length_ < 2) {
+  if (status.st_size < INT_MAX / 4) whole._resize(static_cast<int>(status.st_size + 1) * 4);
+  ssize_t n = 0;
+  do {
+    if (whole.size_ - whole.length_ < 2) {
       const char none[kBlock] = {};
-      text.append(none, kBlock);
-      text.length_ -= kBlock;
+      whole.append(none, kBlock);
+      whole.length_ -= kBlock;
     }
-    const auto room = static_cast<std::size_t>(text.size_ - text.length_ - 1);
-    const ssize_t n = retried(file.get(), text.buffer_ + text.length_, room);
-    if (n > 0) text.length_ += static_cast<int>(n);
-    text.buffer_[text.length_] = 0;
-    if (n <= 0 || text.length_ == status.st_size) return true;
-  }
+    const auto room = static_cast<std::size_t>(whole.size_ - whole.length_ - 1);
+    n = retried(file.get(), whole.buffer_ + whole.length_, room);
+    if (n > 0) whole.length_ += static_cast<int>(n);
+  } while (n > 0 && whole.length_ != status.st_size);
+  whole.buffer_[whole.length_] = 0;
+  std::swap(text.buffer_, whole.buffer_);
+  std::swap(text.length_, whole.length_);
+  std::swap(text.size_, whole.size_);
+  return true;
 }

@@ -29,10 +29,6 @@ struct ReleaseBuffer {
   int capacity;
 };
 
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
 }  // namespace
 
 ZmPack& ZmPack::operator=(const ZmPack& other) {
@@ -143,7 +139,7 @@ void ZmPack::pack() {
 }
 
 int ZmPack::archive(const ZmString& path) {
-  std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.value(), "wb"));
+  ZmOpenFile file(std::fopen(path.value(), "wb"));
   if (!file) return 0;
   pack();
   const std::size_t size = std::fwrite(buffer_, 1, static_cast<std::size_t>(used_), file.get());

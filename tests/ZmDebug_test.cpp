@@ -1,10 +1,13 @@
 #include "ZmDebug.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <ctime>
 #include <filesystem>
+#include <iostream>
+#include <locale>
 #include <string>
 
 #include "ZmFile.h"
@@ -34,6 +37,23 @@ std::string printed(int mode) {
   return testing::internal::GetCapturedStdout();
 }
 
+// Whether no program that is started gets the file.
+bool closedonexec(const ZmString& path) {
+  const std::filesystem::path open = "/proc/self/fd";
+  bool closed = true;
+  std::error_code none;
+  for (const auto& entry : std::filesystem::directory_iterator(open)) {
+    const int fd = std::stoi(entry.path().filename().string());
+    if (std::filesystem::read_symlink(entry, none) == path.value())
+      closed = ::fcntl(fd, F_GETFD) & FD_CLOEXEC;
+  }
+  return closed;
+}
+
+struct Grouped : std::numpunct<char> {
+  std::string do_grouping() const override { return "\3"; }
+};
+
 std::string mark() {
   const std::time_t now = std::time(nullptr);
   const std::string form = "[%b %-d, %Y %-H:%M:%S] ";
@@ -51,13 +71,18 @@ TEST_F(ZmDebugTest, WritesToStandardOutputWithoutAFile) {
   EXPECT_EQ(printed(0), text);
   EXPECT_EQ(printed(1), text);
   zm_debug_obj().filename(in("log"));
+  std::cout << std::hex;
+  const std::locale before = std::cout.imbue(std::locale(std::locale(), new Grouped));
   EXPECT_EQ(printed(2), text);
+  std::cout.imbue(before);
+  std::cout << std::dec;
 }
 
 TEST_F(ZmDebugTest, KeepsItsFileUntilUnlock) {
   ZmFile::save(in("a"), "old ");
   zm_debug_filename(in("a"), 0);
   zm_debug_obj() << "one ";
+  EXPECT_TRUE(closedonexec(in("a")));
   zm_debug_filename(in("b/log"), 0);
   log("two");
   EXPECT_STREQ(ZmFile::load(in("a")).value(), "old one two");

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -98,12 +99,18 @@ TEST_F(Tool, TakesWhatIsNoFileAsMissing) {
             "WARNING: file -5 is unreadable or doesn't exist.\n");
 }
 
-TEST_F(Tool, PrintsMoreThanItsBufferHolds) {
+TEST_F(Tool, PrintsMoreThanItsBufferOrAPipeHolds) {
   std::string text = "[a]\n";
   for (int i = 0; i < 20000; ++i) text += "option" + std::to_string(i) + " = value\n";
   text += "long = " + std::string(200000, 'x') + "\n";
   file("long.conf", text);
   EXPECT_EQ(run("long.conf"), "0 " + text);
+  int ends[2];
+  ASSERT_EQ(::pipe2(ends, O_NONBLOCK), 0);
+  run("long.conf >&" + std::to_string(ends[1]) + " & sleep 0.2");  // and waits for a reader
+  ::close(ends[1]);
+  EXPECT_EQ(content("/dev/fd/" + std::to_string(ends[0])), text);
+  ::close(ends[0]);
 }
 
 TEST_F(Tool, TellsWhenItCannotWriteOrHasNoMemory) {

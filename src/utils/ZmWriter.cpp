@@ -1,8 +1,22 @@
 #include "ZmWriter.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
+
+namespace {
+
+// Whether a write that failed is worth another try: after an interruption, or once a pipe that
+// doesn't wait takes bytes again.
+bool again(int fd) {
+  if (errno == EINTR) return true;
+  if (errno != EAGAIN) return false;
+  pollfd room{fd, POLLOUT, 0};
+  return ::poll(&room, 1, -1) > 0 || errno == EINTR;
+}
+
+}  // namespace
 
 void ZmWriter::make_room(std::string_view text) {
   flush();
@@ -31,8 +45,8 @@ void ZmWriter::send(std::string_view text) {
     const ssize_t n = ::write(fd_, text.data(), text.size());
     if (n >= 0) {
       text.remove_prefix(static_cast<std::size_t>(n));
-    } else if (errno != EINTR) {
-      good_ = false;
+    } else {
+      good_ = again(fd_);
     }
   }
 }

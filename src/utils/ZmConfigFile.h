@@ -48,7 +48,9 @@ class ZmConfigFile : public ZmBase {
 
   /// Appends a copy of every section name, in the order of the hash.
   void keys(ZmStringList& list) const;
-  /// The section, lent; null when there is none of this name.
+  /// The section, lent for as long as the reader has it: parse() changes sections where they are.
+  /// Null when there is none of this name. Renaming a section changes what it says of itself, not
+  /// the name by which it is found here and by references.
   ZmConfig* config(const ZmString& name) const { return sections_.get(name); }
   ZmConfigHash export_hash() const { return sections_; }  ///< A deep copy of the sections.
   void release() { sections_.release(); }  ///< Forgets the sections without destroying them.

@@ -65,7 +65,9 @@ TEST(ZmConfig, WipesASecureValueThatIsReplaced) {
   secret.secure(1);
   config.option("key", secret);
   EXPECT_EQ(config.option("key").secure(), 1);
+  const ZmString* hidden = &config.option("key");
   config.option("key", "open");
+  EXPECT_NE(&config.option("key"), hidden);  // its buffer was given up, which wipes it
   EXPECT_EQ(config.option("key").secure(), 0);
   EXPECT_EQ(held(config), "key=open;");
 }

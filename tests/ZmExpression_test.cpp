@@ -22,6 +22,14 @@ void check(void (*cut)(const ZmString&, ZmStringList&), const Strings& rows) {
   }
 }
 
+// The result, the left part and the right one.
+template <auto Split>
+void halves(const ZmString& source, ZmStringList& out) {
+  ZmString left("L"), right("R");
+  const int found = Split(source, left, right);
+  for (const ZmString& part : {ZmString(found), left, right}) out.push(new ZmString(part));
+}
+
 // "(op a b)", a missing child as "_"; a node without name and operator as "()".
 std::string shown(const ZmExpression* node) {
   if (!node) return "_";
@@ -119,31 +127,16 @@ TEST(ZmExpressionTokens, Splitters) {
   EXPECT_EQ(keys.join(" ") + *hash.get("b"), "a bb");
 }
 
-// Results are 1 or 0, the left part and, behind "`", the right one.
 TEST(ZmExpressionTokens, PairSplitters) {
-  using Row = std::pair<const char*, const char*>;
+  check(halves<ZmExpression::splitequal>,
+        {"my name = v `1`Lmyname`Rv ", "abc`0`Labc`R", "=`1`L`R", "a==b`1`La`R=b"});
+  check(halves<ZmExpression::splitbecomes>,
+        {"a:`1`La`R", "a=b:c`0`La`R", "a := b`1`La`R= b", "abc`0`Lab`R", "a b: : c `1`Lab`R: c ",
+         "`0`L`R", "a=`0`La`R"});
   ZmString left, right;
   ZmExpression::splitperiod("a.b.c", left, right);
-  ZmExpression::splitperiod(" a ", left, right);  // outputs are never cleared
+  ZmExpression::splitperiod(" a ", left, right);
   EXPECT_EQ(left + "`" + right, "a a `b.c");
-  const auto split = [](auto function, const Row& row) {
-    ZmString l("L"), r("R");
-    const int found = function(row.first, l, r);
-    EXPECT_EQ(ZmString(found) + l + "`" + r, row.second) << row.first;
-  };
-  for (const Row& row : {Row{"my name = v ", "1Lmyname`Rv "},
-                         {"abc", "0Labc`R"},
-                         {"=", "1L`R"},
-                         {"a==b", "1La`R=b"}})
-    split(ZmExpression::splitequal, row);
-  for (const Row& row : {Row{"a:", "1La`R"},
-                         {"a=b:c", "0La`R"},
-                         {"a := b", "1La`R= b"},
-                         {"abc", "0Lab`R"},
-                         {"a b: : c ", "1Lab`R: c "},
-                         {"", "0L`R"},
-                         {"a=", "0La`R"}})
-    split(ZmExpression::splitbecomes, row);
 }
 
 // "text => tree => value"; without a value parsing fails. Operators of equal strength group to the

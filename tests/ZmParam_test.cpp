@@ -5,6 +5,7 @@
 #include <iostream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -40,37 +41,29 @@ struct Line {
   char sign = 0;
 };
 
+void check(const std::vector<std::string>& rows) {
+  for (const auto& row : rows) {
+    const std::string line = row.substr(0, row.find(" => "));
+    EXPECT_EQ(line + " => " + Line(line.c_str()).result(), row);
+  }
+}
+
 }  // namespace
 
 TEST(ZmParam, ReadsCommandLines) {
   // The first positional argument ends the options. A lone "-" counts as an integer.
-  for (const std::string row :
-       {"a -ver -- => |a|-ver|--",
-        "'' -ver => ||-ver",
-        "-5 -x => |-5|-x",
-        "- -x => |-|-x",
-        "---verbo --ver a => ver |a",
-        "-n '' -name -x => name=-x ",
-        "-c 1-2 => count=1 ",
-        "-c -- => count=0 ",
-        "-d +5 => diff+5 ",
-        "-d -3 => diff-3 ",
-        "-d 7 => diff=7 ",
-        "-d +-5 => diff+-5 ",
-        "-d +- => diff+0 ",
-        "-- a => ERROR: unknown option --\n",
-        "-help -names a => ERROR: unknown option -names\n",
-        "--verb => ERROR: ambiguous option '--verb'\n\tcould be:\n\t\t-verbose\n\t\t-verbatim\n",
-        "-ver --n => ERROR: parameter '--n' missing input\nver ",
-        "-c '' => ERROR: option expects an integer '-c'",
-        "-c +1 => ERROR: parameter '+1' is not an integer\n",
-        "-d '' => ERROR: parameter '-d' is blank\n",
-        "-d - => ERROR: parameter '-d' is not an integer\n",
-        "-d 5a => ERROR: parameter '-d' is not an integer\n",
-        "-d ++5 => ERROR: parameter '-d' is not an integer\n"}) {
-    const std::string line = row.substr(0, row.find(" => "));
-    EXPECT_EQ(line + " => " + Line(line.c_str()).result(), row);
-  }
+  check({"a -ver -- => |a|-ver|--", "'' -ver => ||-ver", "-5 -x => |-5|-x", "- -x => |-|-x",
+         "---verbo --ver a => ver |a", "-n '' -name -x => name=-x ", "-c 1-2 => count=1 ",
+         "-c -- => count=0 ", "-d +5 => diff+5 ", "-d -3 => diff-3 ", "-d 7 => diff=7 ",
+         "-d +-5 => diff+-5 ", "-d +- => diff+0 "});
+  check({"-- a => ERROR: unknown option --\n", "-help -names a => ERROR: unknown option -names\n",
+         "--verb => ERROR: ambiguous option '--verb'\n\tcould be:\n\t\t-verbose\n\t\t-verbatim\n",
+         "-ver --n => ERROR: parameter '--n' missing input\nver ",
+         "-c '' => ERROR: option expects an integer '-c'",
+         "-c +1 => ERROR: parameter '+1' is not an integer\n",
+         "-d '' => ERROR: parameter '-d' is blank\n"});
+  for (const std::string line : {"-d -", "-d 5a", "-d ++5"})
+    check({line + " => ERROR: parameter '-d' is not an integer\n"});
 }
 
 TEST(ZmParam, HelpAndVersionEndTheProcess) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -137,6 +138,25 @@ TEST(ZmExpressionTokens, PairSplitters) {
   ZmExpression::splitperiod("a.b.c", left, right);
   ZmExpression::splitperiod(" a ", left, right);
   EXPECT_EQ(left + "`" + right, "a a `b.c");
+}
+
+// The strength of operators; those behind "~" are none between two operands.
+TEST(ZmExpression, KnowsItsOperators) {
+  for (const char* row :
+       {"1024 ;", "~1024 ,", "256 (", "~256 )", "~128 -- ! not", "64 / * div mul % mod",
+        "32 + - add sub", "16 & | ^ xor", "8 = == eq <> =~ != ne < lt > gt <= le >= ge in has",
+        "4 && and || or", "2 << >> rs ls", "1 min max :", "~1 ? x MIN"}) {
+    std::istringstream words(row[0] == '~' ? row + 1 : row);
+    int strength = 0;
+    words >> strength;
+    for (std::string op; words >> op;) {
+      EXPECT_EQ(ZmExpression::precedence(op.c_str()), strength) << op;
+      ZmStringList tokens;
+      for (const char* token : {"1", op.c_str(), "2"}) tokens.push(new ZmString(token));
+      ZmExpression expression;
+      EXPECT_EQ(expression._parse(tokens, kInfix), row[0] != '~') << op;
+    }
+  }
 }
 
 // "text => tree => value"; without a value parsing fails. Operators of equal strength group to the

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <new>
@@ -27,6 +28,7 @@ class Descriptor {
   int fd_;
 };
 
+// A signal that the program handles is no reason to lose the rest of a file.
 ssize_t retried(int fd, char* to, std::size_t size) {
   ssize_t n = -1;
   do {
@@ -47,12 +49,15 @@ bool zm_read_file(const ZmString& path, ZmString& text) {
   const Descriptor file(::open(path.value(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   struct stat status {};
   if (file.get() < 0 || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+  // What can't fit is not read in vain; a file that grows meanwhile fails in append().
   if (status.st_size >= INT_MAX) throw std::bad_alloc();
+  // Apart, so that the caller's text stays as it is until nothing can fail any more.
   ZmString whole;
   whole.secure_ = text.secure_;
   // The room that growth would come to, at once. A file that reports no size, as those of /proc do,
   // is read all the same.
-  if (status.st_size < INT_MAX / 4) whole._resize(static_cast<int>(status.st_size + 1) * 4);
+  const long long room = (static_cast<long long>(status.st_size) + 1) * 4;
+  whole._resize(static_cast<int>(std::min<long long>(room, INT_MAX)));
   ssize_t n = 0;
   do {
     if (whole.size_ - whole.length_ < 2) {
@@ -60,8 +65,8 @@ bool zm_read_file(const ZmString& path, ZmString& text) {
       whole.append(none, kBlock);
       whole.length_ -= kBlock;
     }
-    const auto room = static_cast<std::size_t>(whole.size_ - whole.length_ - 1);
-    n = retried(file.get(), whole.buffer_ + whole.length_, room);
+    const auto left = static_cast<std::size_t>(whole.size_ - whole.length_ - 1);
+    n = retried(file.get(), whole.buffer_ + whole.length_, left);
     if (n > 0) whole.length_ += static_cast<int>(n);
   } while (n > 0 && whole.length_ != status.st_size);
   whole.buffer_[whole.length_] = 0;

@@ -108,6 +108,7 @@ unsigned char ZmConfig::parse(const ZmString& text) {
   return _parse();
 }
 
+// Signed, whatever char is: a byte above 127 ends a plain value.
 int ZmConfig::peek() const { return eof() ? 0 : static_cast<signed char>(cache_[position_]); }
 
 int ZmConfig::get() {
@@ -143,6 +144,7 @@ bool ZmConfig::_header() {
   return true;
 }
 
+// False only where the text ended: whatever else the line holds, it is used up.
 bool ZmConfig::_option() {
   ZmString label;
   for (;;) {

@@ -44,6 +44,7 @@ bool localnow(std::tm& local) {
   return ::localtime_r(&now, &local) != nullptr;
 }
 
+// By hand: strftime() knows month names of the locale and no unpadded hour.
 ZmString prefix(const std::tm& local) {
   ZmString text("[");
   if (local.tm_mon >= 0 && local.tm_mon < 12) text += kMonths[local.tm_mon];
@@ -73,6 +74,7 @@ void ZmDebug::unlock() {
   process().open = false;
 }
 
+// Once a file is open it serves every object: which one wrote first decides until unlock().
 bool ZmDebug::_open() {
   if (process().open) return true;
   if ((mode_ != 0 && mode_ != 1) || !filename_ || filename_->length() == 0) return false;

@@ -97,7 +97,7 @@ void ZmExpression::copy(const ZmExpression& other) {
   std::swap(reference_, tree.reference_);
 }
 
-// Everything but the children.
+// Everything but the children, and what a leaf's text was read as: that may be lent by the text.
 void ZmExpression::_fill(const ZmExpression& other) {
   op_ = other.op_;
   value_ = other.value_;
@@ -132,6 +132,7 @@ void ZmExpression::name(const ZmString& name) {
   cache_.constant = {};
 }
 
+// The child before is not destroyed: whoever rearranges a tree still holds it.
 void ZmExpression::a(ZmExpression* a) { a_ = a; }
 
 void ZmExpression::b(ZmExpression* b) { b_ = b; }

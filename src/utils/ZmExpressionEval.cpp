@@ -60,6 +60,7 @@ void ZmExpression::Evaluation::run(ZmScalar& result) {
   }
 }
 
+// The right operand first: references and callbacks are asked in this order, which shows.
 ZmExpressionValue ZmExpression::Evaluation::_tree() {
   ZmStack<Pending> pending;
   for (ZmExpression* node = &root_;;) {
@@ -94,6 +95,7 @@ ZmExpressionValue ZmExpression::Evaluation::_leaf(ZmExpression& node) {
 }
 
 ZmExpressionValue ZmExpression::Evaluation::_asked(ZmExpression& node) {
+  // A source may hand over a secret, which must not outlast its use in the buffer.
   if (answer_.secure()) answer_.wipe();
   answer_.secure(0);
   answer_.clear();
@@ -108,6 +110,7 @@ ZmExpressionValue ZmExpression::Evaluation::_asked(ZmExpression& node) {
   return Value(texts_.back().get());
 }
 
+// Reading a number costs more than an operation, and most trees are evaluated more than once.
 ZmExpressionValue ZmExpression::Evaluation::_constant(ZmExpression& node, const ZmString& text) {
   if (node.cache_.constant.kind == Value::kNothing) node.cache_.constant = _read(text);
   return node.cache_.constant;

@@ -87,6 +87,7 @@ int ZmFile::loadpos(const ZmString& path, long long pos, ZmString& out) {
   return loadpos(path, pos, -1, out);
 }
 
+// By a stream, whose idea of the position after the end was met is the contract.
 int ZmFile::loadpos(const ZmString& path, long long pos, int len, ZmString& out) {
   if (!exists(path)) return -1;
   std::ifstream in(path.value(), std::ios::binary);
@@ -119,6 +120,7 @@ std::time_t ZmFile::modified(const ZmString& path) { return status(path).st_mtim
 
 unsigned char ZmFile::remove(const ZmString& path) { return ::unlink(path.value()) == 0; }
 
+// The times are tried whatever became of the file: it may be a directory or a pipe.
 unsigned char ZmFile::touch(const ZmString& path) {
   if (!exists(path)) opens(path, O_TRUNC);
   const std::time_t now = std::time(nullptr);
@@ -127,6 +129,7 @@ unsigned char ZmFile::touch(const ZmString& path) {
   return 1;
 }
 
+// Placeholders: files have no such flag here.
 unsigned char ZmFile::hidden(const ZmString&) { return 0; }
 
 unsigned char ZmFile::clearhidden(const ZmString&) { return 0; }
@@ -156,6 +159,6 @@ ZmString ZmFile::uniquefile() {
   name += "u";
   name += _file_unique;
   name += ".tmp";
-  _file_unique = static_cast<int>(static_cast<unsigned>(_file_unique) + 1);
+  _file_unique = static_cast<int>(static_cast<unsigned>(_file_unique) + 1);  // wraps
   return name;
 }

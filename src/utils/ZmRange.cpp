@@ -170,6 +170,8 @@ void ZmRange::parse(const ZmString& text) {
 }
 
 void ZmRange::add(const ZmString& text) {
+  // Read twice: counted first, so that there is one allocation and it fails before anything
+  // changed.
   std::int64_t total = 0;
   Items counted(zm_view(text));
   while (const auto item = counted.next()) total += item->count();
@@ -188,7 +190,8 @@ void ZmRange::clear() {
   count_ = 0;
 }
 
-// Makes room for exactly n more values, at least one, and returns their place.
+// Makes room for exactly n more values, at least one, and returns their place. The values stay as
+// they are when there is no memory.
 int* ZmRange::_extend(std::int64_t n) {
   if (n > INT_MAX - count_) throw std::bad_alloc();
   auto values = std::make_unique_for_overwrite<int[]>(static_cast<std::size_t>(count_ + n));
@@ -200,6 +203,7 @@ int* ZmRange::_extend(std::int64_t n) {
 
 unsigned char ZmRange::has(int value) const { return std::find(_begin(), _end(), value) != _end(); }
 
+// By sorted copies: looking for each value would be quadratic.
 unsigned char ZmRange::has(const ZmString& text) const {
   ZmRange wanted(text);
   ZmRange held(*this);

@@ -20,7 +20,7 @@ bool again(int fd) {
 
 void ZmWriter::make_room(std::string_view text) {
   flush();
-  if (text.size() > buffer_.size()) return send(text);
+  if (text.size() > buffer_.size()) return send(text);  // copying it would gain nothing
   write(text);
 }
 
@@ -30,6 +30,7 @@ bool ZmWriter::flush() {
   return good_;
 }
 
+// A streambuf without a put area: every byte that a stream writes comes here or to xsputn().
 ZmWriter::int_type ZmWriter::overflow(int_type c) {
   if (c != traits_type::eof()) write(traits_type::to_char_type(c));
   return traits_type::not_eof(c);

@@ -85,6 +85,7 @@ class Table : public ZmReference {
   }
   unsigned char valid(const ZmString& name) override { return !(name == "bad"); }
   unsigned char variable(const ZmString& name) override {
+    EXPECT_GT(name.length(), 0);
     return name == "x" || name == "y" || name == "e";
   }
 

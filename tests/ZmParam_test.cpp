@@ -74,7 +74,8 @@ TEST(ZmParam, HelpAndVersionEndTheProcess) {
 
 TEST(ZmParam, MissesLeaveTheOutputAlone) {
   ZmParam param;
-  std::string words[] = {"prog", "-h", "-nope"};
+  param.defineFlag("");  // nothing gives it
+  std::string words[] = {"prog", "-h", "--"};
   char* argv[] = {words[0].data(), words[1].data(), words[2].data(), nullptr};
   EXPECT_FALSE(param.parse(3, argv));
   unsigned char flag = 7;

@@ -26,7 +26,6 @@ class ZmExpression::Evaluation {
   Value _tree();
   Value _leaf(ZmExpression& node);
   Value _asked(ZmExpression& node);
-  static Value _constant(ZmExpression& node, const ZmString& text);
   static Value _read(const ZmString& text);
   static Value _unary(ZmOperation operation, Value b);
   static Value _binary(const ZmExpression& node, Value a, Value b);
@@ -88,10 +87,14 @@ ZmExpressionValue ZmExpression::Evaluation::_tree() {
   }
 }
 
+// What it is as a number is kept: reading one costs more than an operation, and most trees are
+// evaluated more than once.
 ZmExpressionValue ZmExpression::Evaluation::_leaf(ZmExpression& node) {
-  if (node.value_.length() > 0) return _constant(node, node.value_);
-  if (node.reference_ || node.valuereq_) return _asked(node);
-  return _constant(node, node.name_);
+  const bool own = node.value_.length() > 0;
+  if (!own && (node.reference_ || node.valuereq_)) return _asked(node);
+  Value& constant = node.cache_.constant;
+  if (constant.kind == Value::kNothing) constant = _read(own ? node.value_ : node.name_);
+  return constant;
 }
 
 ZmExpressionValue ZmExpression::Evaluation::_asked(ZmExpression& node) {
@@ -108,12 +111,6 @@ ZmExpressionValue ZmExpression::Evaluation::_asked(ZmExpression& node) {
   if (value.kind != Value::kText) return value;
   texts_.push_back(std::make_unique<ZmString>(answer_));
   return Value(texts_.back().get());
-}
-
-// Reading a number costs more than an operation, and most trees are evaluated more than once.
-ZmExpressionValue ZmExpression::Evaluation::_constant(ZmExpression& node, const ZmString& text) {
-  if (node.cache_.constant.kind == Value::kNothing) node.cache_.constant = _read(text);
-  return node.cache_.constant;
 }
 
 ZmExpressionValue ZmExpression::Evaluation::_read(const ZmString& text) {

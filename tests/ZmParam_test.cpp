@@ -17,7 +17,7 @@ struct Line {
     param.defineStringOption("name");
     param.defineIntegerOption("count");
     param.defineDiffOption("diff");
-    for (const char* flag : {"ver", "verbose", "verbatim"}) param.defineFlag(flag);
+    for (const char* flag : {"ver", "verbose", "verbatim", ""}) param.defineFlag(flag);
     std::istringstream words(text);
     while (words >> buffer) args.push(new ZmString(buffer == "''" ? "" : buffer.c_str()));
   }
@@ -74,8 +74,7 @@ TEST(ZmParam, HelpAndVersionEndTheProcess) {
 
 TEST(ZmParam, MissesLeaveTheOutputAlone) {
   ZmParam param;
-  param.defineFlag("");  // nothing gives it
-  std::string words[] = {"prog", "-h", "--"};
+  std::string words[] = {"prog", "-h", "-nope"};
   char* argv[] = {words[0].data(), words[1].data(), words[2].data(), nullptr};
   EXPECT_FALSE(param.parse(3, argv));
   unsigned char flag = 7;

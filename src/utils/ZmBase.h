@@ -1,6 +1,10 @@
 #ifndef ZM_BASE_H
 #define ZM_BASE_H
 
+#if __cplusplus <= 201703L
+#error "libZmApi needs C++20: compile with -std=c++20"
+#endif
+
 #include <cstddef>
 #include <new>
 

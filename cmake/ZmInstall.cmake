@@ -108,7 +108,16 @@ install(FILES "${PROJECT_SOURCE_DIR}/examples/farm.conf"
   DESTINATION "${docdir_torvel-tools}/examples" ${tools})
 install(FILES "${PROJECT_SOURCE_DIR}/docs/guide.md" DESTINATION "${docdir_libzmapi-dev}" ${dev})
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/" DESTINATION "${docdir_libzmapi-dev}/examples"
-  ${dev} FILES_MATCHING PATTERN "*.cpp" PATTERN "*.out" PATTERN "farm.conf")
+  ${dev} FILES_MATCHING PATTERN "*.cpp" PATTERN "*.out")
+if(ZM_DEBIAN)  # else both directories are one
+  install(FILES "${PROJECT_SOURCE_DIR}/examples/farm.conf"
+    DESTINATION "${docdir_libzmapi-dev}/examples" ${dev})
+endif()
+
+# Takes away what the last "cmake --install" put there, and the directories that it made.
+add_custom_target(uninstall VERBATIM
+  COMMAND "${CMAKE_COMMAND}" -D "MANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt"
+          -P "${CMAKE_CURRENT_LIST_DIR}/ZmUninstall.cmake")
 
 if(ZM_DEBIAN)
   include(ZmPackages)

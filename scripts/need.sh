@@ -57,7 +57,7 @@ quietly() {
   _log=$1
   shift
   "$@" >"$_log" 2>&1 </dev/null && return 0
-  grep -v '^\[ *[0-9]*%\]' "$_log" | tail -n 40 >&2
+  grep -v '^\[ *[0-9]*%\]' "$_log" | tail -n 60 >&2
   echo "Failed: $* (all it said: $_log)" >&2
   return 1
 }

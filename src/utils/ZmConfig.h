@@ -105,6 +105,7 @@ class ZmConfig : public ZmPack {
 
   /// @name For texts that are no ZmString yet
   /// @{
+
   /// The value, lent as by option(); null when the label is absent.
   const ZmString* _find(std::string_view label) const;
   /// option(label, value), with the hash of the label. The position of a new label, -1 for a known

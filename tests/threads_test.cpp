@@ -41,7 +41,7 @@ ZmString readers() {
 
 ZmString expressions() {
   ZmExpression expression;
-  expression.parse("(1 + 2 * 3 > 6) and ceil 2.5", 0);
+  expression.parse("(1 + 2 * 3 > 6) and not 2 > 3", 0);
   ZmScalar result;
   expression.eval(result);
   ZmStringList names;

@@ -35,8 +35,8 @@ class Tool : public testing::Test {
 
   // The exit status, then what went to standard output, then to standard error.
   std::string run(const std::string& arguments, const std::string& before = "") {
-    const std::string command =
-        "cd '" + directory_ + "' && { " + before + " '" ZM_TOOL "' " + arguments + "; } >out 2>err";
+    const std::string command = "cd '" + directory_ + "' && { " + before + R"( ")" ZM_TOOL R"(" )" +
+                                arguments + "; } >out 2>err";
     const int status = std::system(command.c_str());
     return std::to_string(WEXITSTATUS(status)) + " " + content(directory_ + "out") +
            content(directory_ + "err");

@@ -8,10 +8,12 @@
 #include <cstddef>
 #include <new>
 
+#include "ZmExport.h"
+
 /// The root of the value classes: no data, and a virtual destructor so that containers can destroy
 /// what they own through a base pointer. The objects are many and small, so they come from the
 /// library's pool.
-class ZmBase {
+class ZM_EXPORT ZmBase {
  public:
   ZmBase() = default;
   ZmBase(const ZmBase&) = default;             ///< Nothing to copy.

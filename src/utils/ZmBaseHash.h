@@ -18,7 +18,7 @@
 /// random 0 to 99 (rand()) when the places of a new key are all taken. T has a default constructor,
 /// a virtual destructor and copy(const T&). One thread at a time.
 template <class T>
-class ZmBaseHash {
+class ZM_EXPORT ZmBaseHash {
  public:
   ZmBaseHash() = default;                               ///< Empty, 17 slots.
   ZmBaseHash(const ZmBaseHash& other) { copy(other); }  ///< A deep copy.

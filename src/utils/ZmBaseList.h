@@ -16,7 +16,7 @@
 /// for an element, and passes on what T's copy() throws; the list then holds the copies made so
 /// far. A Compare may not throw. One thread at a time.
 template <class T>
-class ZmBaseList {
+class ZM_EXPORT ZmBaseList {
  public:
   /// Less than, equal to or greater than 0, as strcmp.
   using Compare = int (*)(const T*, const T*);

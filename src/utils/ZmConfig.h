@@ -22,7 +22,7 @@
 /// name. Unpacking replaces each of these that the record holds. So does reading its XML form:
 /// "name", "address" and "options", an "item" for each label in their order. Only where labels and
 /// options don't agree, the label order stands in "labels" of its own.
-class ZmConfig : public ZmPack {
+class ZM_EXPORT ZmConfig : public ZmPack {
  public:
   /// @name Construction
   /// @{
@@ -148,8 +148,8 @@ class ZmConfig : public ZmPack {
 };
 
 /// Byte order: 1 when *a > *b, -1 when *a < *b, else 0.
-int _zm_config_cmp(const ZmString* a, const ZmString* b);
+ZM_EXPORT int _zm_config_cmp(const ZmString* a, const ZmString* b);
 /// The same, under the name that list sorting uses.
-int zm_config_sort_func(const ZmString* a, const ZmString* b);
+ZM_EXPORT int zm_config_sort_func(const ZmString* a, const ZmString* b);
 
 #endif

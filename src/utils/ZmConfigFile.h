@@ -30,7 +30,7 @@
 ///
 /// The reader owns its sections. It prints warnings about missing parents and about circles on
 /// standard error; nothing else is reported. One thread at a time.
-class ZmConfigFile : public ZmBase {
+class ZM_EXPORT ZmConfigFile : public ZmBase {
  public:
   ZmConfigFile() = default;  ///< No sections; the default section is named "default".
   /// Reads the file; a path that can't be read counts as an empty file. With `lowercase` the names
@@ -69,7 +69,8 @@ class ZmConfigFile : public ZmBase {
   /// A value as it is stored in a section: references to "self" and "this" name that section.
   ZmString _localvalue(const ZmString& section, const ZmString& value) const;
   /// A value with its references replaced: unqualified ones are looked up in section `scope`, and
-  /// `self` stands for "self" and "this". Circles are found anew, with their warnings, by each call.
+  /// `self` stands for "self" and "this". Circles are found anew, with their warnings, by each
+  /// call.
   ZmString _value(const ZmString& scope, const ZmString& self, const ZmString& value) const;
   /// @}
 

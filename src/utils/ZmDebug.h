@@ -20,7 +20,7 @@
 /// fork() shares it, and writes once more what its parent had not written yet: unlock() before.
 ///
 ///     zm_debug_obj().mark() << "started\n";
-class ZmDebug {
+class ZM_EXPORT ZmDebug {
  public:
   ZmDebug() = default;  ///< Mode 0, without a file name.
   ZmDebug(const ZmDebug&) = delete;
@@ -66,14 +66,14 @@ class ZmDebug {
 
 /// The one object of the process. Ready before any static constructor and until the last static
 /// destructor runs.
-ZmDebug& zm_debug_obj();
+ZM_EXPORT ZmDebug& zm_debug_obj();
 /// The verbosity, a mask whose bits the callers define; all but 4096 are set at the start.
-int zm_debug_verb();
+ZM_EXPORT int zm_debug_verb();
 /// Sets the verbosity.
-void zm_debug_verbosity(int mask);
+ZM_EXPORT void zm_debug_verbosity(int mask);
 /// Sets mode and file name of zm_debug_obj().
-void zm_debug_filename(const ZmString& name, int mode);
+ZM_EXPORT void zm_debug_filename(const ZmString& name, int mode);
 /// Appends the names of the weekly files that exist, "BASE.0" to "BASE.52" in this order.
-void zm_debug_logfiles(const ZmString& base, ZmStringList& list);
+ZM_EXPORT void zm_debug_logfiles(const ZmString& base, ZmStringList& list);
 
 #endif

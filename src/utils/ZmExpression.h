@@ -24,7 +24,7 @@ class ZmTokens;
 /// its callbacks and its hold on the reference. Expressions are never serialised. However deep a
 /// tree is, no operation needs more than constant stack. One thread at a time, for evaluation too:
 /// a leaf remembers what its text is as a number.
-class ZmExpression : public ZmPack {
+class ZM_EXPORT ZmExpression : public ZmPack {
  public:
   /// Supplies the value of a variable in `out`, which comes fresh and empty; a text left alone
   /// reads as the empty string.

@@ -17,7 +17,7 @@
 ///
 /// Its record: tag 0 the name, tag 2 the source, tag 1 the data, all texts. Its XML elements:
 /// "name", "source", "data".
-class ZmFile : public ZmPack {
+class ZM_EXPORT ZmFile : public ZmPack {
  public:
   ZmFile() = default;                           ///< Everything empty.
   ZmFile(const ZmString& path) { read(path); }  ///< read(path).

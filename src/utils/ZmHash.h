@@ -18,7 +18,7 @@
 /// values. Unpacking sets what the record holds on top of what the hash holds. Its XML form: one
 /// "item" element with the key for each entry, sorted by the keys' bytes.
 template <class T>
-class ZmHash : public ZmBaseHash<T>, public ZmPack {
+class ZM_EXPORT ZmHash : public ZmBaseHash<T>, public ZmPack {
  public:
   ZmHash() = default;                                              ///< Empty.
   ZmHash(const ZmHash& other) : ZmBaseHash<T>(other), ZmPack() {}  ///< A deep copy.

@@ -12,7 +12,7 @@
 /// for strings and a nested pack for pack-derived elements. Unpacking appends what the record holds
 /// to the list. Its XML form: one "item" element for each element in order.
 template <class T>
-class ZmList : public ZmBaseList<T>, public ZmPack {
+class ZM_EXPORT ZmList : public ZmBaseList<T>, public ZmPack {
  public:
   ZmList() = default;                                              ///< Empty.
   ZmList(const ZmList& other) : ZmBaseList<T>(other), ZmPack() {}  ///< A deep copy.

@@ -58,7 +58,7 @@ class ZmPackObj;
 ///   attributes are ignored, and so is text beside elements.
 ///
 /// Copies start with an empty buffer of their own. One thread at a time.
-class ZmPack : public ZmBase {
+class ZM_EXPORT ZmPack : public ZmBase {
  public:
   ZmPack() = default;                      ///< Without a buffer.
   ZmPack(const ZmPack&) : ZmBase() {}      ///< The buffer is not copied.

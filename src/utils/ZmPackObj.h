@@ -14,7 +14,7 @@ class ZmPackObjList;
 ///
 /// Owns what is inside. Copying and destruction take any depth without recursion. One thread at a
 /// time.
-class ZmPackObj : public ZmBase {
+class ZM_EXPORT ZmPackObj : public ZmBase {
  public:
   ZmPackObj() = default;                                         ///< Without name, key and text.
   ZmPackObj(const ZmPackObj& other) : ZmBase() { copy(other); }  ///< A deep copy.

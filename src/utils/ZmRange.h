@@ -30,7 +30,7 @@
 /// says that it *strips* the range: it sorts ascending and keeps one of each value. A range that
 /// would need more than 2,147,483,647 values fails as an allocation failure does (std::bad_alloc),
 /// with the values left as they were. One thread at a time.
-class ZmRange : public ZmBase {
+class ZM_EXPORT ZmRange : public ZmBase {
  public:
   ZmRange() = default;                       ///< Empty, padding 0.
   ZmRange(const ZmString& text);             ///< parse(text).

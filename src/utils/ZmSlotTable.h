@@ -23,7 +23,7 @@
 // keys of one hash can't be stored in any table, so growth is bounded: a pair for which the table
 // would have to go beyond both 65,536 slots and 32 slots an entry is kept in an ordered overflow
 // instead, and moves into the slots when a later growth has room.
-class ZmSlotTable {
+class ZM_EXPORT ZmSlotTable {
  public:
   using Destroy = void (*)(void*);
   // The published hash in the lower half, the mark of the key above it.

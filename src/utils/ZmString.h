@@ -19,7 +19,7 @@
 /// Zero bytes may stand inside a text and are counted by length(); comparisons and the readers of
 /// numbers stop at the first one. Every operation also accepts the string itself, or a piece of
 /// its own text, as its argument. One thread at a time.
-class ZmString : public ZmBase {
+class ZM_EXPORT ZmString : public ZmBase {
  public:
   /// @name Construction
   /// @{
@@ -238,20 +238,20 @@ class ZmString : public ZmBase {
 /// Each gives a new string: a copy of the left operand (its `secure` flag included), then the
 /// right.
 /// @{
-ZmString operator+(const ZmString& a, const ZmString& b);  ///< a, then b.
-ZmString operator+(const ZmString& a, const char* b);      ///< a, then b.
-ZmString operator+(const char* a, const ZmString& b);      ///< a, then b.
+ZM_EXPORT ZmString operator+(const ZmString& a, const ZmString& b);  ///< a, then b.
+ZM_EXPORT ZmString operator+(const ZmString& a, const char* b);      ///< a, then b.
+ZM_EXPORT ZmString operator+(const char* a, const ZmString& b);      ///< a, then b.
 /// The character's decimal code is appended, not the character; callers rely on it.
-ZmString operator+(const ZmString& a, char b);
+ZM_EXPORT ZmString operator+(const ZmString& a, char b);
 /// The character's decimal code, sign-extended, stands first.
-ZmString operator+(char a, const ZmString& b);
-ZmString operator+(int a, const ZmString& b);    ///< The decimal text of a, then b.
-ZmString operator+(const ZmString& a, int b);    ///< a, then the decimal text of b.
-ZmString operator+(float a, const ZmString& b);  ///< The text of "%f" for a, then b.
-ZmString operator+(const ZmString& a, float b);  ///< a, then the text of "%f" for b.
+ZM_EXPORT ZmString operator+(char a, const ZmString& b);
+ZM_EXPORT ZmString operator+(int a, const ZmString& b);    ///< The decimal text of a, then b.
+ZM_EXPORT ZmString operator+(const ZmString& a, int b);    ///< a, then the decimal text of b.
+ZM_EXPORT ZmString operator+(float a, const ZmString& b);  ///< The text of "%f" for a, then b.
+ZM_EXPORT ZmString operator+(const ZmString& a, float b);  ///< a, then the text of "%f" for b.
 /// @}
 
 /// Writes value().
-std::ostream& operator<<(std::ostream& out, const ZmString& s);
+ZM_EXPORT std::ostream& operator<<(std::ostream& out, const ZmString& s);
 
 #endif

@@ -8,7 +8,7 @@
 #include "ZmString.h"
 
 /// A list of texts.
-class ZmStringList : public ZmList<ZmString> {
+class ZM_EXPORT ZmStringList : public ZmList<ZmString> {
  public:
   ZmStringList() = default;                                      ///< Empty.
   ZmStringList(const ZmStringList& other) = default;             ///< A deep copy.
@@ -28,6 +28,6 @@ class ZmStringList : public ZmList<ZmString> {
 };
 
 /// Byte order: 1 when *a > *b, -1 when *a < *b, else 0. Empty and undefined texts come first.
-int zm_string_sort_func(const ZmString* a, const ZmString* b);
+ZM_EXPORT int zm_string_sort_func(const ZmString* a, const ZmString* b);
 
 #endif

@@ -15,7 +15,6 @@
 #include <utility>
 #include <vector>
 
-#include "ZmMemory.h"
 #include "ZmText.h"
 
 namespace {
@@ -237,7 +236,7 @@ TEST(ZmString, WritesNumbersAsPrintf) {
   EXPECT_EQ(text(s), "-9223372036854775808000A7FFF");
 }
 
-// The block that a secure string gives up is had again from the pool. A sanitizer keeps blocks
+// The block that a secure string gives up is had again from the allocator. A sanitizer keeps blocks
 // apart, and nothing can be seen.
 TEST(ZmString, SecureTextsAreWipedOnRelease) {
   constexpr std::size_t kSize = 404;
@@ -247,12 +246,11 @@ TEST(ZmString, SecureTextsAreWipedOnRelease) {
     const auto* const buffer = s->value();
     if (grow) *s += ZmString(std::string(kSize, 'x').c_str());
     if (!grow) s.reset();
-    auto* const block = static_cast<char*>(zm_allocate(kSize));
-    // The pool keeps its own words in the first bytes of a free block.
-    if (block == buffer) {
-      EXPECT_EQ(std::memchr(block + 16, 's', kSize - 16), nullptr);
+    const std::unique_ptr<char[]> block(new char[kSize]);
+    // The allocator keeps words of its own in the first bytes of a free block.
+    if (block.get() == buffer) {
+      EXPECT_EQ(std::memchr(block.get() + 16, 's', kSize - 16), nullptr);
     }
-    zm_release(block, kSize);
   }
   ZmString kept("secret");
   kept.secure(1);

@@ -12,7 +12,6 @@
 
 #include "ZmBigEndian.h"
 #include "ZmFileReader.h"
-#include "ZmMemory.h"
 
 namespace {
 
@@ -21,13 +20,6 @@ constexpr int kHeader = 4;      // bytes: tag and type code
 constexpr int kDeepest = 1000;  // packs within packs that are read, so that the stack holds
 
 enum Code { kInt = 1, kChar, kText, kNested, kFloat, kByte, kLong };
-
-struct ReleaseBuffer {
-  void operator()(unsigned char* buffer) const {
-    zm_release(buffer, static_cast<std::size_t>(capacity));
-  }
-  int capacity;
-};
 
 struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }
@@ -41,7 +33,7 @@ ZmPack& ZmPack::operator=(const ZmPack& other) {
 }
 
 void ZmPack::_clear() noexcept {
-  zm_release(buffer_, static_cast<std::size_t>(capacity_));
+  delete[] buffer_;
   buffer_ = nullptr;
   cursor_ = nullptr;
   used_ = 0;
@@ -61,9 +53,9 @@ unsigned char* ZmPack::_room(long long n) {
 void ZmPack::_grow(long long need) {
   if (need > INT_MAX) throw std::bad_alloc();
   const int capacity = need > (INT_MAX - 16) / 4 ? INT_MAX : static_cast<int>(need * 4 + 16);
-  auto* buffer = static_cast<unsigned char*>(zm_allocate(static_cast<std::size_t>(capacity)));
+  auto* buffer = new unsigned char[static_cast<std::size_t>(capacity)];
   if (used_ > 0) std::memcpy(buffer, buffer_, static_cast<std::size_t>(used_));
-  zm_release(buffer_, static_cast<std::size_t>(capacity_));
+  delete[] buffer_;
   buffer_ = buffer;
   capacity_ = capacity;
 }
@@ -157,8 +149,7 @@ int ZmPack::archive(const ZmString& path) {
 int ZmPack::unpack(const char* data, int length) {
   if (!data || length < 4) return 1;
   // The record may stand in this object's own buffer, which therefore lives until it is read.
-  const std::unique_ptr<unsigned char, ReleaseBuffer> own(std::exchange(buffer_, nullptr),
-                                                          ReleaseBuffer{capacity_});
+  const std::unique_ptr<unsigned char[]> own(std::exchange(buffer_, nullptr));
   _clear();
   const auto* bytes = reinterpret_cast<const unsigned char*>(data);
   if (zm_get_big_endian<int>(bytes) != kVersion) return 3;

@@ -9,8 +9,6 @@
 #include <new>
 #include <numeric>
 
-#include "ZmMemory.h"
-
 namespace {
 
 constexpr int kStartSize = 17;
@@ -78,7 +76,8 @@ unsigned char ZmSlotTable::mark(std::string_view key) {
 // One block: keys, values, hashes, marks. All empty.
 ZmSlotTable::Slots ZmSlotTable::allocated(int size) {
   Slots slots;
-  slots.keys = static_cast<ZmString**>(zm_allocate_zeroed(bytes(size)));
+  slots.keys = static_cast<ZmString**>(std::calloc(bytes(size), 1));
+  if (!slots.keys) throw std::bad_alloc();
   slots.values = reinterpret_cast<void**>(slots.keys + size);
   slots.hashes = reinterpret_cast<std::uint32_t*>(slots.values + size);
   slots.marks = reinterpret_cast<unsigned char*>(slots.hashes + size);
@@ -86,9 +85,7 @@ ZmSlotTable::Slots ZmSlotTable::allocated(int size) {
   return slots;
 }
 
-void ZmSlotTable::release(const Slots& slots) noexcept {
-  zm_release(slots.keys, bytes(slots.size));
-}
+void ZmSlotTable::release(const Slots& slots) noexcept { std::free(slots.keys); }
 
 void ZmSlotTable::use(const Slots& slots) {
   keys_ = slots.keys;

@@ -11,7 +11,6 @@
 #include <memory>
 #include <new>
 
-#include "ZmMemory.h"
 #include "ZmNumber.h"
 #include "ZmText.h"
 
@@ -85,7 +84,7 @@ ZmString* ZmString::_exact(const char* s, int n) {
 // copy(s, n) for a string that has no buffer yet: most strings are made so.
 void ZmString::_start(const char* s, int n, int size) {
   size_ = size < kFloor ? kFloor : size;
-  buffer_ = static_cast<char*>(zm_allocate(static_cast<std::size_t>(size_)));
+  buffer_ = new char[static_cast<std::size_t>(size_)];
   std::memcpy(buffer_, s, static_cast<std::size_t>(n));
   length_ = n;
   buffer_[n] = 0;
@@ -99,7 +98,7 @@ void ZmString::_init() {
 
 void ZmString::_release() noexcept {
   if (secure_) wipe();
-  zm_release(buffer_, static_cast<std::size_t>(size_));
+  delete[] buffer_;
 }
 
 void ZmString::wipe() const {
@@ -110,7 +109,7 @@ void ZmString::_resize(int n) {
   _drop();
   _init();
   const int size = n < kFloor ? kFloor : n;
-  buffer_ = static_cast<char*>(zm_allocate(static_cast<std::size_t>(size)));
+  buffer_ = new char[static_cast<std::size_t>(size)];
   size_ = size;
   buffer_[0] = 0;
 }
@@ -176,7 +175,7 @@ void ZmString::_append(const char* s, int n) {
     std::memmove(buffer_ + length_, s, count);
   } else {
     const int size = grown(need) < kFloor ? kFloor : grown(need);
-    auto* buffer = static_cast<char*>(zm_allocate(static_cast<std::size_t>(size)));
+    auto* buffer = new char[static_cast<std::size_t>(size)];
     if (length_ > 0) std::memcpy(buffer, buffer_, static_cast<std::size_t>(length_));
     std::memcpy(buffer + length_, s, count);  // before the old buffer goes: s may point into it
     _drop();

@@ -48,18 +48,18 @@ bool zm_read_file(const ZmString& path, ZmString& text) {
   text.clear();
   // The room that growth would come to, at once. A file that reports no size, as those of /proc do,
   // is read all the same.
-  if (status.st_size >= text.size_ && status.st_size < INT_MAX / 4)
+  if (status.st_size >= text._size() && status.st_size < INT_MAX / 4)
     text._resize(static_cast<int>(status.st_size + 1) * 4);
   for (;;) {
-    if (text.size_ - text.length_ < 2) {
+    if (text._size() - text.length_ < 2) {
       const char none[kBlock] = {};
       text.append(none, kBlock);
       text.length_ -= kBlock;
     }
-    const auto room = static_cast<std::size_t>(text.size_ - text.length_ - 1);
-    const ssize_t n = retried(file.get(), text.buffer_ + text.length_, room);
+    const auto room = static_cast<std::size_t>(text._size() - text.length_ - 1);
+    const ssize_t n = retried(file.get(), text._text() + text.length_, room);
     if (n > 0) text.length_ += static_cast<int>(n);
-    text.buffer_[text.length_] = 0;
+    text._text()[text.length_] = 0;
     if (n <= 0 || text.length_ == status.st_size) return true;
   }
 }

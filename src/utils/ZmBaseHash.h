@@ -2,6 +2,7 @@
 #define ZM_BASE_HASH_H
 
 #include <memory>
+#include <type_traits>
 
 #include "ZmBaseList.h"
 #include "ZmSlotTable.h"
@@ -38,7 +39,12 @@ class ZmBaseHash {
   /// null. 0 when the key is null, which takes nothing.
   unsigned char set(T* value, ZmString* key) { return table_.set(value, key, _destroy); }
   /// The same with a copy of the key.
-  unsigned char set(T* value, const ZmString& key) { return set(value, new ZmString(key)); }
+  unsigned char set(T* value, const ZmString& key) {
+    std::unique_ptr<ZmString> copied(ZmString::_exact(key));
+    set(value, copied.get());
+    static_cast<void>(copied.release());
+    return 1;
+  }
   /// The value stored under the key, now the caller's; null when there is none.
   T* remove(const ZmString& key) { return static_cast<T*>(table_.remove(key)); }
   /// Clears the list, then lends it the hash's own keys: empty it with release(), never clear().
@@ -78,8 +84,11 @@ class ZmBaseHash {
 
  private:
   static void _destroy(void* value) { delete static_cast<T*>(value); }
+  // Texts are copied without room to grow.
   static void* _copied(const void* value) {
     if (!value) return nullptr;
+    if constexpr (std::is_same_v<T, ZmString>)
+      return ZmString::_exact(*static_cast<const ZmString*>(value));
     auto object = std::make_unique<T>();
     object->copy(*static_cast<const T*>(value));
     return object.release();

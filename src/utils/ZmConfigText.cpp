@@ -93,38 +93,36 @@ void ZmConfig::load(const ZmString& path) {
                                                              std::fclose);
   valid_ = file != nullptr;
   if (!file) return;
-  position_ = 0;
-  text_.clear();
+  text_ = std::make_unique<Text>();
   char block[1024];
   for (std::size_t n = sizeof block; n == sizeof block;) {
     n = std::fread(block, 1, sizeof block, file.get());
-    text_.append(block, static_cast<int>(n));
+    text_->text.append(block, static_cast<int>(n));
   }
   _parse();
 }
 
 unsigned char ZmConfig::parse(const ZmString& text) {
-  position_ = 0;
-  text_ = text;
+  text_ = std::make_unique<Text>(Text{text, {}});
   valid_ = 1;
   return _parse();
 }
 
-int ZmConfig::peek() const { return eof() ? 0 : static_cast<signed char>(cache_[position_]); }
+int ZmConfig::peek() const { return eof() ? 0 : static_cast<signed char>(text_->rest[0]); }
 
 int ZmConfig::get() {
   const int c = peek();
-  if (!eof()) ++position_;
+  if (!eof()) text_->rest.remove_prefix(1);
   return c;
 }
 
 unsigned char ZmConfig::_parse() {
-  cache_ = text_.value();
-  length_ = text_.length();
+  text_->rest = zm_view(text_->text);
   while (!eof()) {
     _whitespace();
     if (!_comment() && !_header() && !_option()) get();
   }
+  text_.reset();
   return 1;
 }
 
@@ -193,8 +191,8 @@ ZmString ZmConfig::usetemplate(const ZmString& text) const {
     }
   }
   ZmString unused;
-  for (int i = 0; i < labels_.length(); ++i)
-    if (!used.contains(&_optionat(i))) zm_append_option(unused, *labels_.get(i), _optionat(i));
+  for (int i = 0; i < _count(); ++i)
+    if (!used.contains(&_optionat(i))) zm_append_option(unused, _labelat(i), _optionat(i));
   if (unused.length() > 0) {
     zm_append(result, kNotIncluded);
     result.append('\n');

@@ -59,13 +59,17 @@ class ZmHash : public ZmBaseHash<T>, public ZmPack {
       if (keyed && valued) this->set(value.release(), key.release());
     }
   }
-  /// Stores all entries in the order of their keys, whatever their slots; a null value as a new T.
+  /// Stores the entries that get() finds, in the order of their keys, whatever their slots; a null
+  /// value as a new T.
   void encodeXML() override {
     std::vector<std::pair<ZmString*, T*>> entries;
-    this->_table().each([&entries](ZmString* key, void* value) {
+    this->_table().each_found([&entries](ZmString* key, void* value) {
       entries.emplace_back(key, static_cast<T*>(value));
     });
-    std::ranges::stable_sort(entries, {}, [](const auto& entry) { return zm_view(*entry.first); });
+    const auto before = [](const auto& a, const auto& b) {
+      return zm_view(*a.first) < zm_view(*b.first);
+    };
+    std::stable_sort(entries.begin(), entries.end(), before);
     for (const auto& [key, value] : entries) {
       if (value) {
         _storeItem(key, *value);

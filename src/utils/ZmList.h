@@ -49,9 +49,9 @@ class ZmList : public ZmBaseList<T>, public ZmPack {
     }
   }
 
- private:
-  static constexpr int kCount = 1;
-  static constexpr int kElement = 10;
+ protected:
+  static constexpr int kCount = 1;     ///< The tag of the number of elements.
+  static constexpr int kElement = 10;  ///< The tag of an element.
 };
 
 #endif

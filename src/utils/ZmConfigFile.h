@@ -47,7 +47,8 @@ class ZmConfigFile : public ZmBase {
   void keys(ZmStringList& list) const;
   /// The section, lent; null when there is none of this name.
   ZmConfig* config(const ZmString& name) const { return sections_.get(name); }
-  ZmConfigHash export_hash() const { return sections_; }  ///< A deep copy of the sections.
+  const ZmConfigHash& _sections() const { return sections_; }  ///< The sections, lent.
+  ZmConfigHash export_hash() const { return sections_; }       ///< A deep copy of the sections.
   void release() { sections_.release(); }  ///< Forgets the sections without destroying them.
   void display() const;                    ///< Prints every section, values in single quotes.
 

@@ -41,22 +41,19 @@ class ZmHash : public ZmBaseHash<T>, public ZmPack {
       }
     });
   }
-  /// Reads the count, and with it the keys and values of as many entries as follow.
+  /// Reads the count, and with it the keys and values of as many entries as follow. A field that is
+  /// none stands for an empty one; one that can't be read ends the entries.
   void decode() override {
     int count = 0;
     restore(kCount, count);
     if (!_consumed()) return;
     for (int i = 0; i < count && _next(); ++i) {
       auto key = std::make_unique<ZmString>();
-      restore(kKey, *key);
-      const bool keyed = _consumed();
-      _yank();
-      if (!_next()) break;
       auto value = std::make_unique<T>();
-      restore(kValue, *value);
-      const bool valued = _consumed();
-      _yank();
-      if (keyed && valued) this->set(value.release(), key.release());
+      if (!_element(kKey, *key) || !_next() || !_element(kValue, *value)) break;
+      this->set(value.get(), key.get());
+      static_cast<void>(value.release());
+      static_cast<void>(key.release());
     }
   }
   /// Stores the entries that get() finds, in the order of their keys, whatever their slots; a null

@@ -8,6 +8,7 @@
 #include <new>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "ZmCursor.h"
 #include "ZmPack.h"
@@ -100,7 +101,7 @@ struct ZmPack::Writer {
     put("\"");
   }
   void indent() {
-    for (int i = 0; i < pack.depth_; ++i) put("  ");
+    for (int i = 0; i < pack.state_->depth; ++i) put("  ");
   }
   // The start tag up to where ">" belongs.
   void open() {
@@ -130,22 +131,16 @@ struct ZmPack::Writer {
   void branch(ZmPack& value) {
     open();
     put(">\n");
-    const int from = pack.used_;
-    ++pack.depth_;
+    const int from = pack.state_->used;
     if (&value == &pack) {
+      ++pack.state_->depth;
       value.encodeXML();
+      --pack.state_->depth;
     } else {
-      // As for a nested record: it writes straight into this buffer.
-      value._clear();
-      pack._swap(value);
-      value.depth_ = pack.depth_;
-      value.encodeXML();
-      value.depth_ = 0;
-      pack._swap(value);
+      pack._lend(value, [&value] { value.encodeXML(); });
     }
-    --pack.depth_;
-    if (pack.used_ == from) {
-      pack.used_ -= 2;
+    if (pack.state_->used == from) {
+      pack.state_->used -= 2;
       return put("/>\n");
     }
     indent();
@@ -159,8 +154,7 @@ struct ZmPack::Writer {
 };
 
 void ZmPack::packXML() {
-  used_ = 0;
-  depth_ = 0;
+  _state().used = 0;
   const ZmString name = typeXML();
   Writer root{*this, zm_view(name)};
   root.put("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
@@ -217,12 +211,14 @@ int ZmPack::unpackXML(const char* text, int length) {
   ZmPackObj& root = reader.root();
   if (zm_view(root.name()) != zm_view(typeXML())) return kOther;
   if (root.length() == 0) return kEmpty;
+  _clear();
   _decodeXML(root);
+  _clear();
   return 0;
 }
 
 const ZmString* ZmPack::_text(const ZmString& name) const {
-  const ZmPackObj* element = _element() ? _element()->find(name) : nullptr;
+  const ZmPackObj* element = _xml() ? _xml()->find(name) : nullptr;
   return element ? element->text() : nullptr;
 }
 
@@ -258,28 +254,26 @@ void ZmPack::restoreXML(const ZmString& name, ZmString& value) {
 }
 
 void ZmPack::restoreXML(const ZmString& name, ZmPack& value) {
-  ZmPackObj* element = _element() ? _element()->find(name) : nullptr;
-  if (element && &value != this) value._decodeXML(*element);
+  ZmPackObj* element = _xml() ? _xml()->find(name) : nullptr;
+  if (element && &value != this) _lend(value, [&] { value._decodeXML(*element); });
 }
 
 void ZmPack::_decodeXML(ZmPackObj& element) {
-  _clear();
-  element_ = &element;
-  code_ = kElement;
+  const Place outside = std::exchange(_state().at, {});
+  state_->at.element = &element;
   decodeXML();
-  cursor_ = nullptr;
-  code_ = 0;
+  _state().at = outside;
 }
 
 int ZmPack::_insideXML(const ZmString& name) const {
-  const ZmPackObj* element = _element() ? _element()->find(name) : nullptr;
+  const ZmPackObj* element = _xml() ? _xml()->find(name) : nullptr;
   if (!element) return -1;
   const bool empty = element->text() && trimmed(zm_view(*element->text())).empty();
   return element->length() > 0 || empty ? element->length() : -1;
 }
 
 ZmPackObj* ZmPack::_item(int& at) const {
-  const ZmPackObj* element = _element();
+  const ZmPackObj* element = _xml();
   while (element && at < element->length()) {
     ZmPackObj* item = element->get(at++);
     if (zm_view(item->name()) == kItem) return item;

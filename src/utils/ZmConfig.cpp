@@ -117,16 +117,15 @@ int ZmConfig::_place(std::string_view label, ZmSlotTable::Hash hash, Make make, 
 int ZmConfig::_add(const ZmSlotTable::Spot& spot, ZmSlotTable::Hash hash,
                    std::unique_ptr<ZmString> key, std::unique_ptr<ZmString> value) {
   const std::string_view label = zm_view(*key);
-  const bool known = spot.found >= 0 || options_._get(label, hash) != nullptr;
   const bool hidden = spot.found >= 0 && spot.found != spot.place;
   if (hidden || label.find('\0') != label.npos) _list();
-  std::unique_ptr<ZmString> listed(known || !labels_ ? nullptr : ZmString::_exact(*key));
+  std::unique_ptr<ZmString> listed(spot.known || !labels_ ? nullptr : ZmString::_exact(*key));
   if (!options_._table().fill(spot, value.get(), key.get(), hash))
     options_._set(value.get(), key.get(), hash);
   static_cast<void>(value.release());
   static_cast<void>(key.release());
   if (listed && labels_->push(listed.get())) static_cast<void>(listed.release());
-  return known ? -1 : _count() - 1;
+  return spot.known ? -1 : _count() - 1;
 }
 
 const ZmString* ZmConfig::_find(std::string_view label) const {

@@ -195,7 +195,7 @@ ZmConfigReader::Target ZmConfigReader::section(const ZmString& name) {
   auto config = std::make_unique<ZmConfig>();
   config->name(name);
   ZmConfig* made = config.get();
-  sections_._set(config.release(), new ZmString(name), hash);
+  sections_._set(config.release(), ZmString::_exact(name), hash);
   created_.push_back(made);
   return {made, created_.size() - 1};
 }

@@ -141,7 +141,9 @@ ZmSlotTable::Spot ZmSlotTable::seek(const ZmSlots& slots, Hash key_hash, Text te
 }
 
 ZmSlotTable::Spot ZmSlotTable::locate(std::string_view key, Hash key_hash) const {
-  return seek(slots_, key_hash, [key] { return key; });
+  Spot spot = seek(slots_, key_hash, [key] { return key; });
+  spot.known = spot.found >= 0 || (overflow_ && overflow_->contains(key));
+  return spot;
 }
 
 void* ZmSlotTable::get(std::string_view key, Hash key_hash) const {
@@ -203,11 +205,11 @@ void ZmSlotTable::make_room() {
   const std::size_t used = entries_.size();
   if (used == slots_.numbers() || (used == entries_.capacity() && gaps() > used / 4)) renumber();
   if (entries_.size() < entries_.capacity()) return;
-  entries_.reserve(used + std::max<std::size_t>(4, used / 2));
+  entries_.reserve(used + std::max<std::size_t>(4, used / 4));
 }
 
 bool ZmSlotTable::fill(const Spot& spot, void* value, ZmString* key, Hash key_hash) {
-  if (overflow_ || spot.place < 0 || spot.found >= 0) return false;
+  if (overflow_ || spot.place < 0 || spot.known) return false;
   make_room();
   slots_.put(spot.place, mark_of(key_hash), static_cast<std::uint32_t>(entries_.size()));
   entries_.push_back({key, value, key_hash});

@@ -83,6 +83,7 @@ class ZmSlotTable {
   struct Spot {
     int found = -1;
     int place = -1;
+    bool known = false;  // found, or held in the overflow
   };
   Spot locate(std::string_view key, Hash key_hash) const;
   void* value(int at) const { return entries_[slots_.number(at)].value; }

@@ -59,10 +59,12 @@ int hexdigit(char c) {
 
 }  // namespace
 
-ZmString::ZmString(const char* s, int n) { copy(s, n); }
+ZmString::ZmString(const char* s, int n) {
+  if (s && n > 0) _start(s, n, grown(n + 1LL));
+}
 ZmString::ZmString(const char* s) { copy(s); }
 ZmString::ZmString(const ZmString& other) : ZmBase(other), secure_(other.secure_) {
-  copy(other.value(), other.length_);
+  if (other.length_ > 0) _start(other.value(), other.length_, grown(other.length_ + 1LL));
 }
 ZmString::ZmString(int value) { *this += value; }
 ZmString::ZmString(long long value) { *this += value; }
@@ -71,15 +73,16 @@ ZmString::ZmString(float value) { *this += value; }
 int ZmString::type() const { return 72; }
 
 ZmString* ZmString::_exact(const char* s, int n) {
+  if (n == INT_MAX) throw std::bad_alloc();
   auto made = std::make_unique<ZmString>();
-  if (s) made->_fit(s, n);
+  if (s && n > 0) made->_start(s, n, n + 1);
   return made.release();
 }
 
 ZmString* ZmString::_exact(const ZmString& other) {
-  auto made = std::make_unique<ZmString>();
-  made->_fit(other);
-  return made.release();
+  ZmString* const made = _exact(other.value(), other.length_);
+  made->secure_ = other.secure_;
+  return made;
 }
 
 // Takes a buffer of that many bytes, in the place of one that has been given up.
@@ -92,6 +95,14 @@ char* ZmString::_start(int size) {
   heap_ = {text, size};
   place_ = kHeap;
   return text;
+}
+
+// copy(s, n) for a string that has no buffer yet: most strings are made so.
+void ZmString::_start(const char* s, int n, int size) {
+  char* const text = _start(size);
+  std::memcpy(text, s, static_cast<std::size_t>(n));
+  length_ = n;
+  text[n] = 0;
 }
 
 void ZmString::_release() noexcept {

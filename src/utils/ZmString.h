@@ -238,6 +238,7 @@ class ZmString : public ZmBase {
   char* _text() const { return place_ == kHeap ? heap_.text : inside_; }
   int _size() const { return place_ == kHeap ? heap_.size : place_ * kFloor; }
   char* _start(int size);
+  void _start(const char* s, int n, int size);
   void _drop() noexcept {
     if (place_ == kHeap || secure_) _release();
   }

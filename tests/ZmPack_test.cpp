@@ -186,6 +186,25 @@ TEST(ZmPack, ContainersReadNoMoreThanIsThere) {
                                 "000a 0003 00000002 6162 001e 0003 00000001 31"));
 }
 
+// A nested object reads with what its reader lends it.
+TEST(ZmPack, NestedObjectsMayResetThemselves) {
+  struct Reset : Sample {
+    void decode() override { Sample::operator=(Sample()); }
+  };
+  struct Outer : Sample {
+    void decode() override {
+      restore(9, reset);
+      restore(1, number);
+    }
+    Reset reset;
+  } outer;
+  EXPECT_EQ(unpack(outer, bytes(kVersion + std::string("0009 0004 000003e8 00000010"
+                                                       "0001 0001 00000004 0001 0001 00000004"
+                                                       "0001 0001 00000005"))),
+            0);
+  EXPECT_EQ(outer.number, 5);
+}
+
 TEST(ZmPack, HostileNestingEnds) {
   constexpr int kLevels = 1000000;
   std::string data = bytes(kVersion);

@@ -37,6 +37,10 @@ class ZmBaseHash {
   T* get(const ZmString& key) const { return static_cast<T*>(table_.get(key)); }
   /// Stores the pair and owns both; an earlier pair of an equal key is destroyed. The value may be
   /// null. 0 when the key is null, which takes nothing.
+  ///
+  /// A key that was moved on by another one, and is set again after that one's removal, gets a
+  /// second entry in the freed slot. Lookups find the newer entry and both are listed; removing the
+  /// newer one uncovers the older, and growth keeps one of them.
   unsigned char set(T* value, ZmString* key) { return table_.set(value, key, _destroy); }
   /// The same with a copy of the key.
   unsigned char set(T* value, const ZmString& key) {
@@ -57,7 +61,8 @@ class ZmBaseHash {
     out.clear();
     table_.each([&out](ZmString* key, void*) { out.push(new ZmString(*key)); });
   }
-  /// Destroys what is held, then copies every pair into the slot it has in the other hash. Entries
+  /// Destroys what is held, then copies every pair into the slot it has in the other hash, texts
+  /// without room to grow. Entries
   /// that the other hash placed beyond a removed one are listed by the copy but not found.
   void copy(const ZmBaseHash& other) {
     if (this == &other) return;

@@ -50,7 +50,10 @@ class ZmConfig : public ZmPack {
   /// Sets the value. A new label goes to the end of the label order; a known one keeps its place.
   void option(const ZmString& label, const ZmString& value);
   unsigned char exists(const ZmString& label) const;  ///< Whether the label is set.
-  /// Removes the label and its value; 0 when it was not set.
+  /// Removes the label and its value; 0 when it was not set. A label that had been set anew after
+  /// the removal of another may still have an older value, which then shows again, unlisted. Takes
+  /// no longer in long sections, but where labels() can't follow the options (labels with a zero
+  /// byte, values set anew as above, sections read from records): there it searches the labels.
   unsigned char remove(const ZmString& label);
   void labels(ZmStringList& list) const;  ///< Replaces the list by a copy of the label order.
   ZmStringList optionlist() const;        ///< A copy of the label order.

@@ -15,8 +15,9 @@
 ///
 /// Its record: tag 1, int, the number of entries; then for each entry in key order of the hash tag
 /// 10, text, the key, and tag 30 the value, a text for strings and a nested pack for pack-derived
-/// values. Unpacking sets what the record holds on top of what the hash holds. Its XML form: one
-/// "item" element with the key for each entry, sorted by the keys' bytes.
+/// values. Unpacking sets what the record holds on top of what the hash holds. A record has every
+/// entry: of two of one key it may bring back the one that lookups did not find. The XML form has
+/// those that get() finds: one "item" element each, with the key, sorted by the keys' bytes.
 template <class T>
 class ZmHash : public ZmBaseHash<T>, public ZmPack {
  public:

@@ -1,9 +1,12 @@
 // The XML form of packs: writing, and reading from the parsed tree.
 #include <bit>
+#include <cerrno>
 #include <charconv>
 #include <climits>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <string_view>
@@ -11,6 +14,7 @@
 #include <utility>
 
 #include "ZmCursor.h"
+#include "ZmNumber.h"
 #include "ZmPack.h"
 #include "ZmPackObj.h"
 #include "ZmPackReader.h"
@@ -68,6 +72,29 @@ std::uint32_t payload(std::string_view text) {
   const auto [at, error] = std::from_chars(text.data() + kOpen.size(), end, bits, 16);
   if (error != std::errc() || at != end || bits == 0 || bits > kPayload) return 0;
   return (minus ? kSign : 0) | kInfinity | bits;
+}
+
+// Reads a number; one that is out of range, or followed by anything, leaves the value alone.
+template <class T>
+void read(std::string_view text, T& value) {
+  const char* end = text.data() + text.size();
+  T number{};
+  const auto [at, error] = std::from_chars(text.data(), end, number);
+  if (error == std::errc() && at == end) value = number;
+}
+
+// The same for texts with a zero byte somewhere behind. Not every standard library has from_chars
+// for floats; strtof takes more: blanks, "+" and hexadecimal digits.
+void read(std::string_view text, float& value) {
+  constexpr ZmCharSet kStart("0123456789.iInN"), kHexadecimal("xX");
+  ZmCursor in(text);
+  in.accept('-');
+  if (!kStart.has(in.peek()) || (in.is('0') && kHexadecimal.has(in.peek(1)))) return;
+  char* end = nullptr;
+  errno = 0;
+  const float number = ::strtof_l(text.data(), &end, zm_plain_locale());
+  const bool outside = errno == ERANGE && (number == 0 || std::isinf(number));
+  if (end == text.data() + text.size() && !outside) value = number;
 }
 
 }  // namespace
@@ -224,13 +251,7 @@ const ZmString* ZmPack::_text(const ZmString& name) const {
 
 template <class T>
 void ZmPack::_takeXML(const ZmString& name, T& value) const {
-  const ZmString* held = _text(name);
-  if (!held) return;
-  const std::string_view text = trimmed(zm_view(*held));
-  const char* end = text.data() + text.size();
-  T number{};
-  const auto [at, error] = std::from_chars(text.data(), end, number);
-  if (error == std::errc() && at == end) value = number;
+  if (const ZmString* text = _text(name)) read(trimmed(zm_view(*text)), value);
 }
 
 void ZmPack::restoreXML(const ZmString& name, int& value) { _takeXML(name, value); }

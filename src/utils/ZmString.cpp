@@ -1,7 +1,5 @@
 #include "ZmString.h"
 
-#include <locale.h>
-
 #include <algorithm>
 #include <cctype>
 #include <climits>
@@ -232,11 +230,6 @@ unsigned char ZmString::compare(const ZmString& other, int mode) const {
   return mode == 1 && strcasecmp(value(), other.value()) == 0;
 }
 
-int ZmString::cmp(const ZmString& other) const {
-  if (length_ <= 0) return other.length_ <= 0 ? 0 : -1;
-  return other.length_ <= 0 ? 1 : std::strcmp(value(), other.value());
-}
-
 unsigned char ZmString::operator<(const ZmString& other) const { return cmp(other) < 0; }
 
 unsigned char ZmString::find(const ZmString& s) const {
@@ -337,9 +330,7 @@ long long ZmString::longlongvalue() const {
 }
 
 float ZmString::floatvalue() const {
-  // A program may have set a locale with another decimal point; texts keep theirs.
-  static const locale_t plain = ::newlocale(LC_ALL_MASK, "C", nullptr);
-  return length_ < 1 ? 0.0F : static_cast<float>(::strtod_l(value(), nullptr, plain));
+  return length_ < 1 ? 0.0F : static_cast<float>(::strtod_l(value(), nullptr, zm_plain_locale()));
 }
 
 unsigned int ZmString::_hex(int digits) const {

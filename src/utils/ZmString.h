@@ -4,6 +4,7 @@
 /// @file
 /// ZmString, its concatenation and its output.
 
+#include <cstring>
 #include <iosfwd>
 
 #include "ZmBase.h"
@@ -152,7 +153,10 @@ class ZmString : public ZmBase {
   /// mode; other texts are different in any other mode.
   unsigned char compare(const ZmString& other, int mode) const;
   /// Three-way, for sorting: negative, 0 or positive.
-  int cmp(const ZmString& other) const;
+  int cmp(const ZmString& other) const {
+    if (length_ <= 0) return other.length_ <= 0 ? 0 : -1;
+    return other.length_ <= 0 ? 1 : std::strcmp(value(), other.value());
+  }
   /// Less.
   unsigned char operator<(const ZmString& other) const;
   /// Greater.

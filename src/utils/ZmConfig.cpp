@@ -79,39 +79,29 @@ void ZmConfig::_replace(int i, std::string_view value) {
 }
 
 void ZmConfig::option(const ZmString& label, const ZmString& value) {
-  _place(
-      zm_view(label), ZmSlotTable::hash(zm_view(label)), [&] { return ZmString::_exact(value); },
-      [&](ZmString& stored) {
-        if (value.isundef()) return false;  // an assignment leaves a text defined
-        stored._fit(value);
-        return true;
-      });
+  _store(zm_view(label), ZmSlotTable::hash(zm_view(label)), zm_view(value), value.secure());
 }
 
-int ZmConfig::_store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value) {
-  const auto count = static_cast<int>(value.size());
-  return _place(
-      label, hash, [&] { return ZmString::_exact(value.data(), count); },
-      [&](ZmString& stored) {
-        stored._fit(value.data(), count);
-        return true;
-      });
-}
-
-template <class Make, class Assign>
-int ZmConfig::_place(std::string_view label, ZmSlotTable::Hash hash, Make make, Assign assign) {
+int ZmConfig::_store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value,
+                     unsigned char secure) {
   const ZmSlotTable& table = options_._table();
   const ZmSlotTable::Spot spot = table.locate(label, hash);
+  const auto length = static_cast<int>(value.size());
   if (spot.found >= 0 && spot.found == spot.place) {
-    // Written over where it stands, as if it were replaced. But a secure text has to be wiped, and
-    // an equal label with other bytes behind a zero byte takes the place of the old one.
+    // Written over where it stands, as if it were replaced. But a secure text has to be wiped, a
+    // new empty one is undefined, and an equal label with other bytes behind a zero byte takes the
+    // place of the old one.
     auto* stored = static_cast<ZmString*>(table.value(spot.found));
-    const bool plain = stored && !stored->secure() && label.find('\0') == label.npos;
-    if (plain && assign(*stored)) return -1;
+    if (stored && !stored->secure() && length > 0 && label.find('\0') == label.npos) {
+      stored->secure(secure);
+      stored->_fit(value.data(), length);
+      return -1;
+    }
   }
-  std::unique_ptr<ZmString> value(make());
+  std::unique_ptr<ZmString> made(ZmString::_exact(value.data(), length));
+  made->secure(secure);
   std::unique_ptr<ZmString> key(ZmString::_exact(label.data(), static_cast<int>(label.size())));
-  return _add(spot, hash, std::move(key), std::move(value));
+  return _add(spot, hash, std::move(key), std::move(made));
 }
 
 int ZmConfig::_add(const ZmSlotTable::Spot& spot, ZmSlotTable::Hash hash,

@@ -117,7 +117,8 @@ class ZmConfig : public ZmPack {
   const ZmString* _find(std::string_view label) const;
   /// option(label, value), with the hash of the label. The position of a new label, -1 for a known
   /// one.
-  int _store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value);
+  int _store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value,
+             unsigned char secure = 0);
   /// @}
 
   void display() const;  ///< Prints a numbered listing.
@@ -133,8 +134,6 @@ class ZmConfig : public ZmPack {
   ZmStringList& _list();
   ZmString* _valueat(int i) const;
   bool _ordered() const;
-  template <class Make, class Assign>
-  int _place(std::string_view label, ZmSlotTable::Hash hash, Make make, Assign assign);
   int _add(const ZmSlotTable::Spot& spot, ZmSlotTable::Hash hash, std::unique_ptr<ZmString> key,
            std::unique_ptr<ZmString> value);
 

@@ -52,27 +52,16 @@ unsigned char* ZmSlots::place(int at) const {
 }
 
 std::uint32_t ZmSlots::number(int at) const {
-  if (width_ == 1) return *place(at);
-  std::uint16_t two = 0;
-  std::uint32_t four = 0;
-  if (width_ == 2) {
-    std::memcpy(&two, place(at), sizeof two);
-    return two;
-  }
-  std::memcpy(&four, place(at), sizeof four);
-  return four;
+  const unsigned char* from = place(at);
+  std::uint32_t number = 0;
+  for (int i = 0; i < width_; ++i) number = number << 8 | from[i];
+  return number;
 }
 
 void ZmSlots::put(int at, unsigned char mark, std::uint32_t number) {
   bytes_[static_cast<std::size_t>(at)] = mark;
-  if (width_ == 1) {
-    *place(at) = static_cast<unsigned char>(number);
-  } else if (width_ == 2) {
-    const auto two = static_cast<std::uint16_t>(number);
-    std::memcpy(place(at), &two, sizeof two);
-  } else {
-    std::memcpy(place(at), &number, sizeof number);
-  }
+  unsigned char* to = place(at);
+  for (int i = width_; i-- > 0; number >>= 8) to[i] = static_cast<unsigned char>(number);
 }
 
 bool ZmSlots::anyremoved() const {
@@ -208,13 +197,24 @@ void ZmSlotTable::make_room() {
   entries_.reserve(used + std::max<std::size_t>(4, used / 4));
 }
 
-bool ZmSlotTable::fill(const Spot& spot, void* value, ZmString* key, Hash key_hash) {
-  if (overflow_ || spot.place < 0 || spot.known) return false;
+// Into a slot, or into the overflow when there is none for it.
+void ZmSlotTable::add(int at, const Entry& entry) {
   make_room();
-  slots_.put(spot.place, mark_of(key_hash), static_cast<std::uint32_t>(entries_.size()));
-  entries_.push_back({key, value, key_hash});
+  const auto number = static_cast<std::uint32_t>(entries_.size());
+  if (at >= 0) {
+    slots_.put(at, mark_of(entry.hash), number);
+  } else {
+    if (!overflow_) overflow_ = std::make_unique<Overflow>();
+    overflow_->emplace(zm_view(*entry.key), number);
+  }
+  entries_.push_back(entry);
   ++live_;
   ++count_;
+}
+
+bool ZmSlotTable::fill(const Spot& spot, void* value, ZmString* key, Hash key_hash) {
+  if (overflow_ || spot.place < 0 || spot.known) return false;
+  add(spot.place, {key, value, key_hash});
   return true;
 }
 
@@ -233,23 +233,13 @@ bool ZmSlotTable::set(void* value, ZmString* key, Hash key_hash, Destroy destroy
   Spot spot;
   while ((spot = locate(text, key_hash)).place < 0 && resize(destroy)) {
   }
-  if (spot.place >= 0 && slots_.occupied(spot.place)) {
+  if (spot.place < 0 || !slots_.occupied(spot.place)) {
+    add(spot.place, entry);
+  } else {
     const std::uint32_t number = slots_.number(spot.place);
     slots_.put(spot.place, mark_of(key_hash), number);
     replace(number, entry, destroy);
-    return true;
   }
-  make_room();
-  const auto number = static_cast<std::uint32_t>(entries_.size());
-  if (spot.place >= 0) {
-    slots_.put(spot.place, mark_of(key_hash), number);
-  } else {
-    if (!overflow_) overflow_ = std::make_unique<Overflow>();
-    overflow_->emplace(text, number);
-  }
-  entries_.push_back(entry);
-  ++live_;
-  ++count_;
   return true;
 }
 

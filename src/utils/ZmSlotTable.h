@@ -132,6 +132,7 @@ class ZmSlotTable {
   std::size_t gaps() const { return entries_.size() - static_cast<std::size_t>(live_); }
   void renumber() const;
   void make_room();
+  void add(int at, const Entry& entry);
   static unsigned char mark(std::string_view key);
   template <class Text>
   Spot seek(const ZmSlots& slots, Hash key_hash, Text text) const;

@@ -46,7 +46,7 @@ void print(const ZmConfigFile& file) {
   }
 }
 
-int run(int argc, char** argv) {
+[[noreturn]] void run(int argc, char** argv) {
   ZmParam param;
   param.setVersion(display_version);
   param.setHelp(display_help);
@@ -64,17 +64,16 @@ int run(int argc, char** argv) {
       output().write(" is unreadable or doesn't exist.\n");
     }
   }
-  static_cast<void>(file.release());  // the last one goes with the process, all at once
-  if (param.length() > 0) return 0;
+  if (param.length() > 0) finish(0);  // the last file goes with the process, all at once
   output().write("ERROR: you must specify at least one macro configuration file.\n");
-  return 1;
+  finish(1);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   try {
-    finish(run(argc, argv));
+    run(argc, argv);
   } catch (const std::bad_alloc&) {
   } catch (const std::length_error&) {  // a container asked for more than there can be
   }

@@ -59,7 +59,10 @@ class ZmBaseHash {
   /// Clears the list, then gives it copies of the keys.
   void copykeys(ZmBaseList<ZmString>& out) const {
     out.clear();
-    table_.each([&out](ZmString* key, void*) { out.push(new ZmString(*key)); });
+    table_.each([&out](ZmString* key, void*) {
+      std::unique_ptr<ZmString> copied(ZmString::_exact(*key));
+      if (out.push(copied.get())) static_cast<void>(copied.release());
+    });
   }
   /// Destroys what is held, then copies every pair into the slot it has in the other hash, texts
   /// without room to grow. Entries

@@ -49,7 +49,10 @@ ZmStringList& ZmConfig::_list() {
 void ZmConfig::labels(ZmStringList& list) const {
   if (labels_) return list.copy(*labels_);
   list.clear();
-  for (int i = 0; i < _count(); ++i) list.push(ZmString::_exact(_labelat(i)));
+  for (int i = 0; i < _count(); ++i) {
+    std::unique_ptr<ZmString> label(ZmString::_exact(_labelat(i)));
+    if (list.push(label.get())) static_cast<void>(label.release());
+  }
 }
 
 ZmStringList ZmConfig::optionlist() const {

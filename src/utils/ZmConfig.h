@@ -105,7 +105,8 @@ class ZmConfig : public ZmPack {
   int _count() const { return labels_ ? labels_->length() : options_._table().entries(); }
   /// The label, lent.
   const ZmString& _labelat(int i) const {
-    return labels_ ? *labels_->get(i) : *options_._table().entry(i).key;
+    const ZmString* label = labels_ ? labels_->get(i) : options_._table().entry(i).key;
+    return label ? *label : zm_no_text();
   }
   const ZmString& _optionat(int i) const;        ///< Its value, lent as by option().
   void _replace(int i, std::string_view value);  ///< Sets its value.

@@ -87,10 +87,10 @@ ZmString* ZmString::_exact(const ZmString& other) {
 char* ZmString::_start(int size) {
   if (size <= kFloor) {
     place_ = kInside;
-    return inside_;
+    return buffer_.inside;
   }
   char* const text = new char[static_cast<std::size_t>(size)];
-  heap_ = {text, size};
+  buffer_.heap = {text, size};
   place_ = kHeap;
   return text;
 }
@@ -105,7 +105,7 @@ void ZmString::_start(const char* s, int n, int size) {
 
 void ZmString::_release() noexcept {
   if (secure_) wipe();
-  if (place_ == kHeap) delete[] heap_.text;
+  if (place_ == kHeap) delete[] buffer_.heap.text;
 }
 
 void ZmString::wipe() const {
@@ -116,7 +116,7 @@ void ZmString::_resize(int n) {
   _drop();
   place_ = kNowhere;
   length_ = 0;
-  inside_[0] = 0;
+  buffer_.inside[0] = 0;
   *_start(n) = 0;
 }
 
@@ -191,7 +191,7 @@ void ZmString::_append(const char* s, int n) {
     std::memcpy(text, value(), static_cast<std::size_t>(length_));
     std::memcpy(text + length_, s, count);  // before the old buffer goes: s may point into it
     _drop();
-    heap_ = {text, size};
+    buffer_.heap = {text, size};
     place_ = kHeap;
   }
   length_ += n;

@@ -78,7 +78,7 @@ class ZmString : public ZmBase {
   /// @{
 
   /// The text with its terminating zero, lent until the next change; "" when undefined, never null.
-  const char* value() const { return place_ == kHeap ? heap_.text : inside_; }
+  const char* value() const { return place_ == kHeap ? buffer_.heap.text : buffer_.inside; }
   unsigned char isundef() const { return place_ == kNowhere; }  ///< 1 when there is no buffer.
   int length() const { return length_; }                        ///< Bytes in use.
   /// The byte at position i (from 0); 0 outside the text.
@@ -239,8 +239,8 @@ class ZmString : public ZmBase {
     int size;
   };
 
-  char* _text() const { return place_ == kHeap ? heap_.text : inside_; }
-  int _size() const { return place_ == kHeap ? heap_.size : place_ * kFloor; }
+  char* _text() const { return place_ == kHeap ? buffer_.heap.text : buffer_.inside; }
+  int _size() const { return place_ == kHeap ? buffer_.heap.size : place_ * kFloor; }
   char* _start(int size);
   void _start(const char* s, int n, int size);
   void _drop() noexcept {
@@ -250,11 +250,12 @@ class ZmString : public ZmBase {
   void _append(const char* s, int n);  // n > 0
   unsigned int _hex(int digits) const;
 
-  // The text, with a zero byte at length_; when undefined too, since value() is then "".
-  union {
-    mutable char inside_[kFloor] = {};  // wipe() is const
-    Heap heap_;
+  union Buffer {
+    char inside[kFloor] = {};
+    Heap heap;
   };
+  // The text, with a zero byte at length_; when undefined too, since value() is then "".
+  mutable Buffer buffer_{};  // wipe() is const
   int length_ = 0;
   Place place_ = kNowhere;  // where the buffer is
   unsigned char secure_ = 0;

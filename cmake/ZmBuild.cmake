@@ -46,7 +46,6 @@ endif()
 if(ZM_SANITIZE)
   add_compile_options(-fsanitize=${ZM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ZM_SANITIZE})
-  add_compile_definitions(ZM_NO_POOL=1)  # pooled memory would hide what the sanitizers look for
 endif()
 
 # The same sources give the same bytes wherever they are built: no path of this machine in the

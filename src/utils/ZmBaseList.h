@@ -54,7 +54,8 @@ class ZM_EXPORT ZmBaseList {
       if (push(element.get())) element.release();
     }
   }
-  /// Sorts in place by quicksort, not stably; only pointers move.
+  /// Sorts in place by quicksort, not stably; only pointers move. Which of several equal elements
+  /// comes first is a promise, and so many equal ones cost quadratic time.
   void sort(Compare compare) {
     zm_quicksort(
         array_.data(), length(),

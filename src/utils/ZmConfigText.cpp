@@ -102,28 +102,27 @@ void ZmConfig::load(const ZmString& path) {
 }
 
 unsigned char ZmConfig::parse(const ZmString& text) {
-  position_ = 0;
-  text_ = text;
+  text_ = std::make_unique<Text>(Text{text, {}});
   valid_ = 1;
   return _parse();
 }
 
 // Signed, whatever char is: a byte above 127 ends a plain value.
-int ZmConfig::peek() const { return eof() ? 0 : static_cast<signed char>(cache_[position_]); }
+int ZmConfig::peek() const { return eof() ? 0 : static_cast<signed char>(text_->rest[0]); }
 
 int ZmConfig::get() {
   const int c = peek();
-  if (!eof()) ++position_;
+  if (!eof()) text_->rest.remove_prefix(1);
   return c;
 }
 
 unsigned char ZmConfig::_parse() {
-  cache_ = text_.value();
-  length_ = text_.length();
+  text_->rest = zm_view(text_->text);
   while (!eof()) {
     _whitespace();
     if (!_comment() && !_header() && !_option()) get();
   }
+  text_.reset();
   return 1;
 }
 
@@ -196,9 +195,9 @@ ZmString ZmConfig::usetemplate(const ZmString& text) const {
     }
   }
   ZmString unused;
-  for (int i = 0; i < labels_.length(); ++i) {
-    const ZmString& label = *labels_.get(i);
-    if (!used.contains(std::string(zm_view(label)))) zm_append_option(unused, label, _optionat(i));
+  for (int i = 0; i < _count(); ++i) {
+    if (!used.contains(std::string(zm_view(_labelat(i)))))
+      zm_append_option(unused, _labelat(i), _optionat(i));
   }
   if (unused.length() > 0) {
     zm_append(result, kNotIncluded);

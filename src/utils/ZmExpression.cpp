@@ -37,7 +37,7 @@ void ZmExpression::_each(Node* root, Visit visit) {
 }
 
 // Needs neither recursion nor memory: each first child is turned above its parent, until the tree
-// is a chain of second children. The leaves go first: so blocks return to the pool in the order in
+// is a chain of second children. The leaves go first: so blocks are given back in the order in
 // which a parser takes them, and trees that are made again and again don't get scattered.
 void ZmExpression::_destroy(ZmExpression* tree) {
   for (ZmExpression** link = &tree; *link;) {

@@ -60,18 +60,18 @@ bool zm_read_file(const ZmString& path, ZmString& text) {
   whole._resize(static_cast<int>(std::min<long long>(room, INT_MAX)));
   ssize_t n = 0;
   do {
-    if (whole.size_ - whole.length_ < 2) {
+    if (whole._size() - whole.length_ < 2) {
       const char none[kBlock] = {};
       whole.append(none, kBlock);
       whole.length_ -= kBlock;
     }
-    const auto left = static_cast<std::size_t>(whole.size_ - whole.length_ - 1);
-    n = retried(file.get(), whole.buffer_ + whole.length_, left);
+    const auto left = static_cast<std::size_t>(whole._size() - whole.length_ - 1);
+    n = retried(file.get(), whole._text() + whole.length_, left);
     if (n > 0) whole.length_ += static_cast<int>(n);
   } while (n > 0 && whole.length_ != status.st_size);
-  whole.buffer_[whole.length_] = 0;
+  whole._text()[whole.length_] = 0;
   std::swap(text.buffer_, whole.buffer_);
   std::swap(text.length_, whole.length_);
-  std::swap(text.size_, whole.size_);
+  std::swap(text.place_, whole.place_);
   return true;
 }

@@ -2,6 +2,8 @@
 #ifndef ZM_NUMBER_H
 #define ZM_NUMBER_H
 
+#include <locale.h>
+
 #include <charconv>
 #include <cstdint>
 #include <string_view>
@@ -23,6 +25,12 @@ inline ZmDigits zm_digits(ZmCursor& in) {
     ++digits.count;
   }
   return digits;
+}
+
+// A program may have set a locale with another decimal point; texts keep theirs.
+inline locale_t zm_plain_locale() {
+  static const locale_t plain = ::newlocale(LC_ALL_MASK, "C", nullptr);
+  return plain;
 }
 
 // The printf forms "%d", "%lld" and "%f" ("%g" in the general format) of a number in the "C"

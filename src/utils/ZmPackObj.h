@@ -5,6 +5,7 @@
 
 #include "ZmBase.h"
 #include "ZmString.h"
+#include "ZmText.h"
 
 class ZmPackObjHash;
 class ZmPackObjList;
@@ -28,7 +29,7 @@ class ZM_EXPORT ZmPackObj : public ZmBase {
 
   /// @name What was read; lent until the next change
   /// @{
-  const ZmString& name() const { return name_ ? *name_ : _unnamed(); }  ///< The element's name.
+  const ZmString& name() const { return name_ ? *name_ : zm_no_text(); }  ///< The element's name.
   /// The key under which it stands in a hash; null when it has none.
   const ZmString* key() const { return key_.get(); }
   /// The text; null when the element holds elements, or when its encoding can't be read.
@@ -52,7 +53,6 @@ class ZM_EXPORT ZmPackObj : public ZmBase {
   /// @}
 
  private:
-  static const ZmString& _unnamed();
   void _clear();
   void _forget() const;  // drops index_
   ZmPackObj* _indexed(const ZmString& name) const;

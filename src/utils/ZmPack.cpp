@@ -202,7 +202,7 @@ void ZmPack::restore(int tag, ZmString& value) {
   state_->at.consumed = bytes != nullptr;
   if (!bytes) return;
   const auto* text = reinterpret_cast<const char*>(bytes);
-  if (value.isundef()) value._fit(text, length);
+  if (value.isundef()) return value._fit(text, length);  // mostly to stay as it is
   value.copy(text, length);
 }
 

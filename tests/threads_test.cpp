@@ -68,6 +68,7 @@ ZmString everything() { return texts() + sections() + readers() + expressions() 
 TEST(Threads, WorkOnObjectsOfTheirOwn) {
   std::vector<ZmString> results(4);
   std::vector<std::thread> threads;
+  threads.reserve(results.size());
   for (ZmString& result : results)
     threads.emplace_back([&result] {
       for (int i = 0; i < 20; ++i) result = everything();

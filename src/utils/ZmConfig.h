@@ -102,6 +102,7 @@ class ZM_EXPORT ZmConfig : public ZmPack {
   /// @name By position
   /// From 0 to _count() - 1, in label order; no other position may be asked for.
   /// @{
+
   /// The number of labels.
   int _count() const { return labels_ ? labels_->length() : options_._table().entries(); }
   /// The label, lent.

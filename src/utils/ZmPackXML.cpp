@@ -17,7 +17,6 @@
 #include "ZmNumber.h"
 #include "ZmPack.h"
 #include "ZmPackObj.h"
-#include "ZmPackReader.h"
 #include "ZmText.h"
 #include "ZmXMLText.h"
 
@@ -221,21 +220,6 @@ void ZmPack::_storeItem(const ZmString* key, ZmPack& value) {
 }
 
 // --- reading ---
-
-int ZmPack::unpackXML(const char* text, int length) {
-  enum { kBroken = 1, kEmpty = 2, kOther = 3, kRefused = 4 };
-  if (!text || length <= 0) return kBroken;
-  ZmPackReader reader;
-  const auto result = reader.read({text, static_cast<std::size_t>(length)});
-  if (result != ZmPackReader::kDone) return result == ZmPackReader::kRefused ? kRefused : kBroken;
-  ZmPackObj& root = reader.root();
-  if (zm_view(root.name()) != zm_view(typeXML())) return kOther;
-  if (root.length() == 0) return kEmpty;
-  _clear();
-  _decodeXML(root);
-  _clear();
-  return 0;
-}
 
 const ZmString* ZmPack::_text(const ZmString& name) const {
   const ZmPackObj* element = _xml() ? _xml()->find(name) : nullptr;

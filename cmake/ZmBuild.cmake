@@ -4,8 +4,13 @@ option(BUILD_SHARED_LIBS "Build libZmApi as a shared library" OFF)
 option(ZM_WERROR "Treat warnings as errors (on in every preset)" OFF)
 option(ZM_LIBFUZZER "Link the fuzz targets with libFuzzer (clang only)" OFF)
 set(ZM_SANITIZE "" CACHE STRING "Sanitizers for all code, for example \"address,undefined\"")
+set(ZM_GTEST_SOURCE "" CACHE PATH
+  "GoogleTest's sources, for compilers and flags that the installed library does not go with")
 
-set(CMAKE_CXX_STANDARD 20)
+# What the user or an enclosing project chose stays, if it can compile this.
+if(NOT CMAKE_CXX_STANDARD OR CMAKE_CXX_STANDARD LESS 20 OR CMAKE_CXX_STANDARD EQUAL 98)
+  set(CMAKE_CXX_STANDARD 20)
+endif()
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
@@ -17,6 +22,14 @@ if(PROJECT_IS_TOP_LEVEL)
   if(CMAKE_CXX_FLAGS_RELEASE STREQUAL "-O3 -DNDEBUG")  # CMake's default, not somebody's choice
     set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
   endif()
+endif()
+
+if(ZM_GTEST_SOURCE)  # before the options below, which are not for others' code
+  set(BUILD_GMOCK OFF)
+  set(INSTALL_GTEST OFF)
+  include(FetchContent)
+  FetchContent_Declare(GTest SOURCE_DIR "${ZM_GTEST_SOURCE}" SYSTEM OVERRIDE_FIND_PACKAGE)
+  FetchContent_MakeAvailable(GTest)
 endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion)
@@ -33,7 +46,6 @@ endif()
 if(ZM_SANITIZE)
   add_compile_options(-fsanitize=${ZM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ZM_SANITIZE})
-  add_compile_definitions(ZM_NO_POOL=1)  # pooled memory would hide what the sanitizers look for
 endif()
 
 # The same sources give the same bytes wherever they are built: no path of this machine in the
@@ -47,20 +59,23 @@ if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
   set(CMAKE_CXX_ARCHIVE_FINISH "<CMAKE_RANLIB> -D <TARGET>")
 endif()
 
-# zm_optional(OPTION DIRECTORY [PACKAGE P NAME N]): a part that the library and the tool do without.
-# On by default when this is the top-level project and package P is found.
+# zm_optional(OPTION DIRECTORY [PACKAGE]): a part that the library and the tool do without. ON builds
+# it and wants PACKAGE, AUTO builds it where PACKAGE is found.
 function(zm_optional option directory)
-  cmake_parse_arguments(PARSE_ARGV 2 ARG "" "PACKAGE;NAME" "")
-  option(${option} "Build ${directory}/" ${PROJECT_IS_TOP_LEVEL})
-  if(NOT ${option})
-    return()
+  set(default AUTO)
+  if(NOT PROJECT_IS_TOP_LEVEL)
+    set(default OFF)
   endif()
-  if(ARG_PACKAGE)
-    find_package(${ARG_PACKAGE} QUIET)
-    if(NOT ${ARG_PACKAGE}_FOUND)
-      message(STATUS "${ARG_NAME} not found: ${directory}/ is not built (${option}=OFF silences this)")
-      return()
+  set(${option} ${default} CACHE STRING "Build ${directory}/: ON, OFF or AUTO")
+  set(found TRUE)
+  if(${option} AND ARGC GREATER 2)
+    find_package(${ARGV2} QUIET)
+    set(found ${${ARGV2}_FOUND})
+    if(NOT found AND NOT ${option} STREQUAL "AUTO")
+      message(FATAL_ERROR "${option}: ${ARGV2} was not found")
     endif()
   endif()
-  add_subdirectory(${directory})
+  if(${option} AND found)
+    add_subdirectory(${directory})
+  endif()
 endfunction()

@@ -1,5 +1,6 @@
-# What "cmake --install" puts where, in two parts: the tool (torvel-tools) and what a program needs
-# that uses the library (libzmapi-dev). scripts/package makes a Debian package of each.
+# What "cmake --install" puts where, in parts: the tool (torvel-tools), what a program needs that
+# uses the library (libzmapi-dev) and, only as a package, its reference (libzmapi-doc).
+# scripts/package makes a Debian package of each.
 include(CMakePackageConfigHelpers)
 
 option(ZM_INSTALL "Install the library and the tool" ${PROJECT_IS_TOP_LEVEL})
@@ -93,8 +94,14 @@ endforeach()
 set(docdir_torvel-tools "${CMAKE_INSTALL_DOCDIR}")
 set(docdir_libzmapi-dev "${CMAKE_INSTALL_DOCDIR}")
 if(ZM_DEBIAN)
+  set(ZM_PACKAGES torvel-tools libzmapi-dev)
+  if(TARGET docs AND DOXYGEN_FOUND)
+    list(APPEND ZM_PACKAGES libzmapi-doc)
+    install(DIRECTORY "${PROJECT_BINARY_DIR}/docs/html"
+      DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/libzmapi-doc" COMPONENT libzmapi-doc)
+  endif()
   configure_file("${packaging}/changelog.in" "${made}/changelog" @ONLY)
-  foreach(part torvel-tools libzmapi-dev)
+  foreach(part IN LISTS ZM_PACKAGES)
     set(docdir_${part} "${CMAKE_INSTALL_DATADIR}/doc/${part}")
     install(FILES "${packaging}/copyright" DESTINATION "${docdir_${part}}" COMPONENT ${part})
     install(FILES "${packaging}/lintian-overrides" RENAME "${part}"
@@ -111,7 +118,16 @@ install(FILES "${PROJECT_SOURCE_DIR}/docs/zmconfigcheck.schema.json"
   DESTINATION "${docdir_torvel-tools}" ${tools})
 install(FILES "${PROJECT_SOURCE_DIR}/docs/guide.md" DESTINATION "${docdir_libzmapi-dev}" ${dev})
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/" DESTINATION "${docdir_libzmapi-dev}/examples"
-  ${dev} FILES_MATCHING PATTERN "*.cpp" PATTERN "*.out" PATTERN "farm.conf")
+  ${dev} FILES_MATCHING PATTERN "*.cpp" PATTERN "*.out")
+if(ZM_DEBIAN)  # else both directories are one
+  install(FILES "${PROJECT_SOURCE_DIR}/examples/farm.conf"
+    DESTINATION "${docdir_libzmapi-dev}/examples" ${dev})
+endif()
+
+# Takes away what the last "cmake --install" put there, and the directories that it made.
+add_custom_target(uninstall VERBATIM
+  COMMAND "${CMAKE_COMMAND}" -D "MANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt"
+          -P "${CMAKE_CURRENT_LIST_DIR}/ZmUninstall.cmake")
 
 if(ZM_DEBIAN)
   include(ZmPackages)

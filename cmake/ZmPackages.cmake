@@ -11,7 +11,7 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS ${CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
 
-set(CPACK_COMPONENTS_ALL torvel-tools libzmapi-dev)
+set(CPACK_COMPONENTS_ALL ${ZM_PACKAGES})
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -33,5 +33,13 @@ set(CPACK_DEBIAN_LIBZMAPI-DEV_DESCRIPTION "class library of the Torvel render fa
 The static library, its headers and what CMake and pkg-config need to
 find it: texts, lists, hashes, macro configuration files, ranges and
 host patterns, expressions, and binary and XML packs.")
+
+set(CPACK_DEBIAN_LIBZMAPI-DOC_PACKAGE_NAME libzmapi-doc)
+set(CPACK_DEBIAN_LIBZMAPI-DOC_PACKAGE_SECTION doc)
+set(CPACK_DEBIAN_LIBZMAPI-DOC_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_LIBZMAPI-DOC_PACKAGE_SHLIBDEPS OFF)
+set(CPACK_DEBIAN_LIBZMAPI-DOC_DESCRIPTION "class library of the Torvel render farm, reference
+What every class and operation of the library takes, gives and owns, and
+a guide with programs, as HTML.")
 
 include(CPack)

@@ -1,5 +1,5 @@
 // Tokenizers and splitters lose no byte; the parsers take a text as they take its tokens; a tree,
-// its copy and its folded constants come to one value.
+// its copy and what its leaves remember come to one value.
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -107,10 +107,10 @@ void parse(const ZmString& source, int notation) {
   require(same(expression, other));
 
   const std::string value = evaluated(expression);
-  require(evaluated(expression) == value);  // folded
+  require(evaluated(expression) == value);
   ZmExpression copy(expression);
   require(same(expression, copy) && evaluated(copy) == value);
-  other.reference(new Names);  // asks for each name and gets the name: nothing is folded
+  other.reference(new Names);  // asks for each name and gets the name: nothing is remembered
   require(evaluated(other) == value);
   ZmStringList names;
   other.variables(names);

@@ -95,6 +95,7 @@ struct Recursion {
   // The options that one leads to by references to options with a "$".
   const std::set<Option>& reached(const Option& from) {
     const auto [at, made] = known.try_emplace(from);
+    std::set<Option>& found = at->second;
     std::vector<Option> todo{from};
     while (made && !todo.empty()) {
       const Option option = todo.back();
@@ -104,11 +105,11 @@ struct Recursion {
           option.first, value, [](std::string_view) {},
           [&](const Option& to) {
             if (text(zm_string(to.first), to.second).find('$') != std::string::npos &&
-                at->second.insert(to).second)
+                found.insert(to).second)
               todo.push_back(to);
           });
     }
-    return at->second;
+    return found;
   }
 
   std::string expanded(const Option* from, std::string_view self, std::string_view value) {

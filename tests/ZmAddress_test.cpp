@@ -45,11 +45,13 @@ TEST(ZmAddress, PrintsAndWipes) {
 }
 
 TEST(ZmAddress, PacksItsValue) {
-  ZmAddress address("10.0.0.1"), unpacked;
+  ZmAddress address("10.0.0.1"), unpacked, read;
   address.pack();
   EXPECT_EQ(unpacked.unpack(address.packContents(), address.packSize()), 0);
-  EXPECT_EQ(unpacked.value(), 0x0A000001);
-  EXPECT_FALSE(unpacked.blank());
+  address.packXML();
+  EXPECT_EQ(read.unpackXML(address.packContents(), address.packSize()), 0);
+  for (const ZmAddress& other : {unpacked, read})
+    EXPECT_TRUE(other.value() == 0x0A000001 && !other.blank());
 }
 
 TEST(ZmAddress, ResolvesWithoutANetwork) {

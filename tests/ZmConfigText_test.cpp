@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <string>
 
 #include "ZmConfig.h"
+#include "ZmFile.h"
 
 namespace {
 
@@ -53,19 +53,19 @@ TEST(ZmConfigText, ParsesOptions) {
 
 TEST(ZmConfigText, LoadsFiles) {
   const std::string path = testing::TempDir() + "section" + std::to_string(getpid());
-  std::FILE* file = std::fopen(path.c_str(), "w");
-  ASSERT_NE(file, nullptr);
   const std::string value(3000, 'v');
-  std::fputs(("a = " + value + "\nb = 2").c_str(), file);
-  std::fclose(file);
+  ZmFile::save(path.c_str(), ("a = " + value + "\nb = 2").c_str());
   ZmConfig config(path.c_str());
   EXPECT_TRUE(config.valid() && config.eof() && config.get() == 0);
   EXPECT_STREQ(config.option("a").value(), value.c_str());
   EXPECT_STREQ(config.loadtemplate(path.c_str()).value(), config.convert().value());
-  std::remove(path.c_str());
+  ZmFile::remove(path.c_str());
   config.load(path.c_str());
   EXPECT_FALSE(config.valid());
   EXPECT_STREQ(config.option("b").value(), "2");
+  config.parse("c = 3");
+  config.load(testing::TempDir().c_str());  // opens, but can't be read
+  EXPECT_EQ(config.valid() + config.option("c"), "03");
 }
 
 TEST(ZmConfigText, FillsTemplates) {
@@ -83,4 +83,7 @@ TEST(ZmConfigText, FillsTemplates) {
     const std::string again = used(result);
     EXPECT_EQ(again.find(kRest), std::string::npos) << again;
   }
+  ZmConfig lacking;  // the options of its labels, as a record may do
+  lacking.unpackXML("<config><labels><item>a</item><item>b</item></labels></config>");
+  EXPECT_EQ(lacking.usetemplate("a = 1\n#b = 1\n").value(), "#a = 1\n#b = 1\n" + kRest + "b = \n");
 }

@@ -51,12 +51,35 @@ TEST(ZmConfig, KeepsLabelsInTheOrderOfTheirFirstSetting) {
 TEST(ZmConfig, HoldsManyLabelsThroughReplacementsAndRemovals) {
   ZmConfig config;
   std::string expected;
-  for (int i = 0; i < 3000; ++i) config.option(i, i);
-  for (int i = 0; i < 3000; i += 3) config.remove(i);
-  for (int i = 1; i < 3000; i += 3) config.option(i, -i);
-  for (int i = 0; i < 3000; ++i)
+  constexpr int kLabels = 70000;  // whose numbers need more than two bytes
+  for (int i = 0; i < kLabels; ++i) config.option(i, i);
+  ZmConfig emptied(config);
+  for (int i = kLabels; i-- > 0;) EXPECT_EQ(emptied.remove(i), 1);  // in linear time
+  EXPECT_EQ(emptied._count(), 0);
+  for (int i = 0; i < kLabels; i += 3) config.remove(i);
+  for (int i = 1; i < kLabels; i += 3) config.option(i, -i);
+  for (int i = 0; i < kLabels; ++i)
     if (i % 3) expected += std::to_string(i) + "=" + std::to_string(i % 3 == 1 ? -i : i) + ";";
   EXPECT_EQ(held(config), expected);
+}
+
+// "70" and "01" have one hash: the second one stands a probe further.
+TEST(ZmConfig, ListsLabelsWhoseOptionsAreHiddenOrNotFound) {
+  ZmConfig config = made({{"70", "1"}, {"x", "2"}, {"01", "old"}, {"y", "3"}});
+  config.remove("70");
+  ZmConfig copy(config);
+  EXPECT_STREQ(copy.convert().value(), "x = 2\n01 = \ny = 3\n");
+  copy.option("01", "new");
+  EXPECT_STREQ(copy.convert().value(), "x = 2\n01 = new\ny = 3\n01 = new\n");
+  config.option("01", "new");
+  EXPECT_EQ(held(config), "x=2;01=new;y=3;");
+  config.packXML();
+  ZmConfig read;
+  EXPECT_EQ(read.unpackXML(config.packContents(), config.packSize()), 0);
+  EXPECT_EQ(held(read), "x=2;01=new;y=3;");
+  config.remove("01");
+  EXPECT_EQ(held(config), "x=2;y=3;");
+  EXPECT_STREQ(config.option("01").value(), "old");
 }
 
 TEST(ZmConfig, WipesASecureValueThatIsReplaced) {
@@ -64,8 +87,10 @@ TEST(ZmConfig, WipesASecureValueThatIsReplaced) {
   ZmString secret("hidden");
   secret.secure(1);
   config.option("key", secret);
-  EXPECT_EQ(config.option("key").secure(), 1);
+  const ZmString* const stored = &config.option("key");
+  EXPECT_EQ(stored->secure(), 1);
   config.option("key", "open");
+  EXPECT_NE(&config.option("key"), stored);  // not written over, which wipes nothing
   EXPECT_EQ(config.option("key").secure(), 0);
   EXPECT_EQ(held(config), "key=open;");
 }

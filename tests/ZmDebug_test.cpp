@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <ctime>
 #include <filesystem>
+#include <iostream>
+#include <locale>
 #include <string>
 
 #include "ZmFile.h"
@@ -34,6 +37,10 @@ std::string printed(int mode) {
   return testing::internal::GetCapturedStdout();
 }
 
+struct Grouped : std::numpunct<char> {
+  std::string do_grouping() const override { return "\3"; }
+};
+
 std::string mark() {
   const std::time_t now = std::time(nullptr);
   const std::string form = "[%b %-d, %Y %-H:%M:%S] ";
@@ -51,13 +58,18 @@ TEST_F(ZmDebugTest, WritesToStandardOutputWithoutAFile) {
   EXPECT_EQ(printed(0), text);
   EXPECT_EQ(printed(1), text);
   zm_debug_obj().filename(in("log"));
+  std::cout << std::hex;
+  const std::locale before = std::cout.imbue(std::locale(std::locale(), new Grouped));
   EXPECT_EQ(printed(2), text);
+  std::cout.imbue(before);
+  std::cout << std::dec;
 }
 
 TEST_F(ZmDebugTest, KeepsItsFileUntilUnlock) {
   ZmFile::save(in("a"), "old ");
   zm_debug_filename(in("a"), 0);
   zm_debug_obj() << "one ";
+  EXPECT_NE(std::system(("ls -l /proc/self/fd | grep -q " + in("a")).value()), 0);
   zm_debug_filename(in("b/log"), 0);
   log("two");
   EXPECT_STREQ(ZmFile::load(in("a")).value(), "old one two");

@@ -1,9 +1,13 @@
 #include "ZmFile.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
+#include <new>
+#include <sstream>
 #include <string>
 
 #include "ZmText.h"
@@ -34,6 +38,9 @@ TEST_F(ZmFileTest, LoadGivesBackWhatWasSaved) {
     EXPECT_EQ(ZmFile::size(path), n);
   }
   ZmFile::append(path, "end");
+  std::stringstream system;  // files that report no size
+  system << std::ifstream("/proc/filesystems").rdbuf();
+  EXPECT_EQ(ZmFile::load("/proc/filesystems"), system.str().c_str());
   EXPECT_EQ(zm_view(ZmFile::load(path)), bytes(200000) + "end");
 }
 
@@ -46,6 +53,8 @@ TEST_F(ZmFileTest, MissesAreResults) {
   EXPECT_EQ(ZmFile::size(path) + ZmFile::modified(path), 0);
   EXPECT_FALSE(ZmFile::chmod(path, 0600) || ZmFile::chown(path, ::getuid(), ::getgid()));
   EXPECT_FALSE(ZmFile::save(in("missing/file"), "x") || ZmFile::writable(in("missing/file")));
+  ::mkfifo(path.value(), 0600);  // and nobody waits for a reader
+  EXPECT_FALSE(ZmFile::exists(path) || ZmFile::writable(path) || !ZmFile::touch(path));
 }
 
 TEST_F(ZmFileTest, ReadsAPart) {
@@ -83,6 +92,9 @@ TEST_F(ZmFileTest, ReadKeepsTheOldFileWhenItFails) {
   ZmFile file(path);
   file.read(in("missing"));
   file.read(in("."));
+  ZmFile::save(in("large"), "");
+  std::filesystem::resize_file(in("large").value(), 1LL << 31);
+  EXPECT_THROW(file.read(in("large")), std::bad_alloc);
   const auto held = [](const ZmFile& f) { return f.name() + " " + f.source() + " " + f.data(); };
   EXPECT_EQ(held(file), "file " + path + " text");
   file.data() = path;

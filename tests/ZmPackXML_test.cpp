@@ -192,6 +192,9 @@ TEST(ZmPackXML, MembersAreTakenWhereTheyFit) {
       {"<i>2147483648</i><l>9223372036854775808</l><u>256</u><f>1e99</f>", untouched},
       {"<i>1.5</i><l>0x10</l><u>-1</u><f>1,5</f><c>ab</c>", untouched},
       {"<i>1 2</i><c/><f/><l>+1</l>", untouched},
+      {"<f>0x1p3</f>", untouched},
+      {"<i>+1</i><f>+1</f>", untouched},
+      {"<f>1e-60</f>", untouched},
       {"<s encoding=\"base64\">Y Q\n= =</s>", "a 1 2 51 4 5.000000"},
       {"<s encoding=\"base64\">YQ=</s>", untouched},
       {"<s encoding=\"base64\">YR==</s>", untouched},  // bits that nothing stands for
@@ -293,6 +296,16 @@ TEST(ZmPackXML, HashesAreWrittenByKey) {
   for (int i = 5; i < 1000; ++i) delete many.remove(ZmString(i));
   for (int i = 4; i >= 0; --i) few.set(new ZmString, ZmString(i));
   EXPECT_EQ(xml(few), xml(many));  // other slots, the same text
+  ZmStringHash twice, once, old;
+  twice.set(new ZmString, "70");
+  twice.set(new ZmString("old"), "01");  // the same home: one probe further
+  delete twice.remove("70");
+  twice.set(new ZmString("new"), "01");
+  EXPECT_EQ(read(once, xml(twice)), 0);
+  EXPECT_EQ(*once.get("01"), "new");
+  twice.pack();
+  EXPECT_EQ(old.unpack(twice.packContents(), twice.packSize()), 0);
+  EXPECT_EQ(*old.get("01"), "old");
 }
 
 TEST(ZmPackObj, AnyDepthIsCopiedAndDestroyed) {

@@ -5,6 +5,7 @@
 #include <iostream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -16,7 +17,7 @@ struct Line {
     param.defineStringOption("name");
     param.defineIntegerOption("count");
     param.defineDiffOption("diff");
-    for (const char* flag : {"ver", "verbose", "verbatim"}) param.defineFlag(flag);
+    for (const char* flag : {"ver", "verbose", "verbatim", ""}) param.defineFlag(flag);
     std::istringstream words(text);
     while (words >> buffer) args.push(new ZmString(buffer == "''" ? "" : buffer.c_str()));
   }
@@ -40,34 +41,29 @@ struct Line {
   char sign = 0;
 };
 
+void check(const std::vector<std::string>& rows) {
+  for (const auto& row : rows) {
+    const std::string line = row.substr(0, row.find(" => "));
+    EXPECT_EQ(line + " => " + Line(line.c_str()).result(), row);
+  }
+}
+
 }  // namespace
 
 TEST(ZmParam, ReadsCommandLines) {
-  const char* const rows[][2] = {
-      {"a -ver --", "|a|-ver|--"},  // the first positional argument ends the options
-      {"'' -ver", "||-ver"},
-      {"-5 -x", "|-5|-x"},
-      {"- -x", "|-|-x"},
-      {"---verbo --ver a", "ver |a"},
-      {"-n '' -name -x", "name=-x "},
-      {"-c 1-2", "count=1 "},
-      {"-c --", "count=0 "},
-      {"-d +5", "diff+5 "},
-      {"-d -3", "diff-3 "},
-      {"-d 7", "diff=7 "},
-      {"-d +-5", "diff+-5 "},
-      {"-d +-", "diff+0 "},  // a lone "-" counts as an integer
-      {"-- a", "ERROR: unknown option --\n"},
-      {"-help -names a", "ERROR: unknown option -names\n"},
-      {"--verb", "ERROR: ambiguous option '--verb'\n\tcould be:\n\t\t-verbose\n\t\t-verbatim\n"},
-      {"-ver --n", "ERROR: parameter '--n' missing input\nver "},
-      {"-c ''", "ERROR: option expects an integer '-c'"},
-      {"-c +1", "ERROR: parameter '+1' is not an integer\n"},
-      {"-d ''", "ERROR: parameter '-d' is blank\n"},
-      {"-d -", "ERROR: parameter '-d' is not an integer\n"},
-      {"-d 5a", "ERROR: parameter '-d' is not an integer\n"},
-      {"-d ++5", "ERROR: parameter '-d' is not an integer\n"}};
-  for (const auto& [text, result] : rows) EXPECT_EQ(Line(text).result(), result) << text;
+  // The first positional argument ends the options. A lone "-" counts as an integer.
+  check({"a -ver -- => |a|-ver|--", "'' -ver => ||-ver", "-5 -x => |-5|-x", "- -x => |-|-x",
+         "---verbo --ver a => ver |a", "-n '' -name -x => name=-x ", "-c 1-2 => count=1 ",
+         "-c -- => count=0 ", "-d +5 => diff+5 ", "-d -3 => diff-3 ", "-d 7 => diff=7 ",
+         "-d +-5 => diff+-5 ", "-d +- => diff+0 "});
+  check({"-- a => ERROR: unknown option --\n", "-help -names a => ERROR: unknown option -names\n",
+         "--verb => ERROR: ambiguous option '--verb'\n\tcould be:\n\t\t-verbose\n\t\t-verbatim\n",
+         "-ver --n => ERROR: parameter '--n' missing input\nver ",
+         "-c '' => ERROR: option expects an integer '-c'",
+         "-c +1 => ERROR: parameter '+1' is not an integer\n",
+         "-d '' => ERROR: parameter '-d' is blank\n"});
+  for (const std::string line : {"-d -", "-d 5a", "-d ++5"})
+    check({line + " => ERROR: parameter '-d' is not an integer\n"});
 }
 
 TEST(ZmParam, HelpAndVersionEndTheProcess) {

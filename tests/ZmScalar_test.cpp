@@ -76,8 +76,9 @@ TEST(ZmScalar, BinaryOperators) {
       "3 AND 3 i0",
       // The wider kind decides, for the result too.
       "7 / 2.0 f3.500000", "3 < 4.5 f1.000000", "1.5 / 0 f1.500000", "1.5 in 1.5 f1.000000",
-      "0.5 && 1 f1.000000", "1.5 max 2 f2.000000", "1.5 min 2 f1.500000", "7.0 % 2 f0.000000",
-      "1.0 <> 2 f0.000000", "1.0 << 2 f0.000000", "1.0 ^ 2 f0.000000", "2.5 != 2 f1.000000",
+      "0.5 && 1 f1.000000", "1.5 max 2 f2.000000", "0.0 max -0.0 f-0.000000",
+      "0.0 min -0.0 f0.000000", "1.5 min 2 f1.500000", "7.0 % 2 f0.000000", "1.0 <> 2 f0.000000",
+      "1.0 << 2 f0.000000", "1.0 ^ 2 f0.000000", "2.5 != 2 f1.000000",
       // Strings know few operators, and give integers.
       "abc == abc i1", "abc < abd i0", "abc + 1 i0", "abc or 1 i0", "abc <> abd i0",
       "abc ne abd i1", "1x and 2 i1", "1x and 0.5 i0", "~ == ~ i1", "b in a,b,c i1",

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <new>
 #include <string>
@@ -15,13 +16,12 @@
 #include <utility>
 #include <vector>
 
-#include "ZmMemory.h"
 #include "ZmText.h"
 
 namespace {
 
-// Virtual table, buffer, length and the empty text, capacity and flag.
-static_assert(sizeof(ZmString) == sizeof(void*) * 2 + sizeof(int) * 4);
+// Virtual table, the smallest buffer, length, and what the flags take.
+static_assert(sizeof(ZmString) == sizeof(void*) + 16 + 2 * sizeof(int));
 
 std::string text(const ZmString& s) { return std::string(zm_view(s)); }
 
@@ -29,11 +29,14 @@ std::string shown(const ZmString& s) { return s.isundef() ? "undefined" : "'" + 
 
 ZmString zeroed(std::string_view bytes) { return zm_string(bytes); }
 
-// "capacity/length", which stand behind virtual table and buffer: length, empty text, capacity.
+// "capacity/length", as printed.
 std::string state(const ZmString& s) {
-  int fields[3];
-  std::memcpy(fields, reinterpret_cast<const char*>(&s) + 2 * sizeof(void*), sizeof fields);
-  return std::to_string(fields[2]) + "/" + std::to_string(fields[0]);
+  testing::internal::CaptureStdout();
+  s._debug_info();
+  int fields[2] = {};
+  const std::string shown = testing::internal::GetCapturedStdout();
+  std::sscanf(shown.c_str(), "ZmString:\n\tsize: %d\n\tlength: %d", fields, fields + 1);
+  return std::to_string(fields[0]) + "/" + std::to_string(fields[1]);
 }
 
 template <class... Arguments>
@@ -201,9 +204,14 @@ TEST(ZmString, Concatenates) {
 TEST(ZmString, ReadsNumbers) {
   // Decimal; hexadecimal, of the whole and of two bytes.
   const std::tuple<const char*, int, unsigned, int> rows[] = {
-      {"", 0, 0, 0},        {"x1", 0, 1, 1},
-      {"1G", 1, 16, 16},    {"fF34", 0, 0xff34, 255},
-      {" -7x", -7, 112, 0}, {"123456789", 123456789, 0x23456789, 18}};
+      {"", 0, 0, 0},
+      {"x1", 0, 1, 1},
+      {"1G", 1, 16, 16},
+      {"fF34", 0, 0xff34, 255},
+      {" -7x", -7, 112, 0},
+      {"123456789", 123456789, 0x23456789, 18},
+      {"2147483648", INT_MIN, 0x47483648, 33},  // wraps, on every machine
+      {"9223372036854775808", -1, 0x54775808, 146}};
   for (const auto& [s, number, hex, byte] : rows) {
     EXPECT_EQ(ZmString(s).integervalue(), number) << s;
     EXPECT_EQ(ZmString(s).hexvalue(), hex) << s;
@@ -237,7 +245,7 @@ TEST(ZmString, WritesNumbersAsPrintf) {
   EXPECT_EQ(text(s), "-9223372036854775808000A7FFF");
 }
 
-// The block that a secure string gives up is had again from the pool. A sanitizer keeps blocks
+// The block that a secure string gives up is had again from the allocator. A sanitizer keeps blocks
 // apart, and nothing can be seen.
 TEST(ZmString, SecureTextsAreWipedOnRelease) {
   constexpr std::size_t kSize = 404;
@@ -247,12 +255,24 @@ TEST(ZmString, SecureTextsAreWipedOnRelease) {
     const auto* const buffer = s->value();
     if (grow) *s += ZmString(std::string(kSize, 'x').c_str());
     if (!grow) s.reset();
-    auto* const block = static_cast<char*>(zm_allocate(kSize));
-    // The pool keeps its own words in the first bytes of a free block.
-    if (block == buffer) {
-      EXPECT_EQ(std::memchr(block + 16, 's', kSize - 16), nullptr);
+    const std::unique_ptr<char[]> block(new char[kSize]);
+    // The allocator keeps words of its own in the first bytes of a free block.
+    if (block.get() == buffer) {
+      EXPECT_EQ(std::memchr(block.get() + 16, 's', kSize - 16), nullptr);
     }
-    zm_release(block, kSize);
+  }
+  // The smallest buffer: destroyed, and given up for a larger one.
+  for (const bool grow : {false, true}) {
+    alignas(ZmString) char place[sizeof(ZmString)] = {};
+    auto* const s = new (place) ZmString;
+    s->secure(1);
+    s->copy("");
+    s->append("secret-secret");
+    ASSERT_NE(std::search(place, std::end(place), "cret", "cret" + 4), std::end(place));
+    if (grow) s->append("more");
+    if (!grow) s->~ZmString();
+    EXPECT_EQ(std::search(place, std::end(place), "cret", "cret" + 4), std::end(place)) << grow;
+    if (grow) s->~ZmString();
   }
   ZmString kept("secret");
   kept.secure(1);

@@ -35,6 +35,8 @@ bool isoctet(ZmCursor& in) {
 
 void ZmAddress::encode() { store(kValue, value_); }
 
+// A record doesn't say whether its address is blank. One that holds 0 may have been, so the flag
+// stays as it is.
 void ZmAddress::decode() {
   restore(kValue, value_);
   if (value_ != 0) blank_ = 0;
@@ -98,6 +100,7 @@ ZmAddress ZmAddress::hostname(const ZmString& name) {
   addrinfo* answers = nullptr;
   ZmAddress address;
   if (::getaddrinfo(name.value(), nullptr, &hints, &answers) != 0) return address;
+  // The last one counts: which one that is, is up to the resolver.
   for (const addrinfo* answer = answers; answer; answer = answer->ai_next) {
     sockaddr_in found{};
     std::memcpy(&found, answer->ai_addr, sizeof found);

@@ -18,7 +18,7 @@ class ZmDebug;
 ///
 /// Its record: tag 1, int, the value. Its XML element: "value". Neither says whether the address is
 /// blank; one that takes any other value than 0 from them no longer is.
-class ZmAddress : public ZmPack {
+class ZM_EXPORT ZmAddress : public ZmPack {
  public:
   ZmAddress() = default;                              ///< Blank.
   ZmAddress(int value) : value_(value), blank_(0) {}  ///< The value; 0 too is not blank.
@@ -57,8 +57,8 @@ class ZmAddress : public ZmPack {
 };
 
 /// Writes stringvalue().
-std::ostream& operator<<(std::ostream& out, const ZmAddress& address);
+ZM_EXPORT std::ostream& operator<<(std::ostream& out, const ZmAddress& address);
 /// Writes stringvalue().
-ZmDebug& operator<<(ZmDebug& out, const ZmAddress& address);
+ZM_EXPORT ZmDebug& operator<<(ZmDebug& out, const ZmAddress& address);
 
 #endif

@@ -2,6 +2,7 @@
 #define ZM_BASE_HASH_H
 
 #include <memory>
+#include <type_traits>
 
 #include "ZmBaseList.h"
 #include "ZmSlotTable.h"
@@ -18,7 +19,7 @@
 /// random 0 to 99 (rand()) when the places of a new key are all taken. T has a default constructor,
 /// a virtual destructor and copy(const T&). One thread at a time.
 template <class T>
-class ZmBaseHash {
+class ZM_EXPORT ZmBaseHash {
  public:
   ZmBaseHash() = default;                               ///< Empty, 17 slots.
   ZmBaseHash(const ZmBaseHash& other) { copy(other); }  ///< A deep copy.
@@ -36,9 +37,18 @@ class ZmBaseHash {
   T* get(const ZmString& key) const { return static_cast<T*>(table_.get(key)); }
   /// Stores the pair and owns both; an earlier pair of an equal key is destroyed. The value may be
   /// null. 0 when the key is null, which takes nothing.
+  ///
+  /// A key that was moved on by another one, and is set again after that one's removal, gets a
+  /// second entry in the freed slot. Lookups find the newer entry and both are listed; removing the
+  /// newer one uncovers the older, and growth keeps one of them.
   unsigned char set(T* value, ZmString* key) { return table_.set(value, key, _destroy); }
   /// The same with a copy of the key.
-  unsigned char set(T* value, const ZmString& key) { return set(value, new ZmString(key)); }
+  unsigned char set(T* value, const ZmString& key) {
+    std::unique_ptr<ZmString> copied(ZmString::_exact(key));
+    set(value, copied.get());
+    static_cast<void>(copied.release());
+    return 1;
+  }
   /// The value stored under the key, now the caller's; null when there is none.
   T* remove(const ZmString& key) { return static_cast<T*>(table_.remove(key)); }
   /// Clears the list, then lends it the hash's own keys: empty it with release(), never clear().
@@ -49,9 +59,13 @@ class ZmBaseHash {
   /// Clears the list, then gives it copies of the keys.
   void copykeys(ZmBaseList<ZmString>& out) const {
     out.clear();
-    table_.each([&out](ZmString* key, void*) { out.push(new ZmString(*key)); });
+    table_.each([&out](ZmString* key, void*) {
+      std::unique_ptr<ZmString> copied(ZmString::_exact(*key));
+      if (out.push(copied.get())) static_cast<void>(copied.release());
+    });
   }
-  /// Destroys what is held, then copies every pair into the slot it has in the other hash. Entries
+  /// Destroys what is held, then copies every pair into the slot it has in the other hash, texts
+  /// without room to grow. Entries
   /// that the other hash placed beyond a removed one are listed by the copy but not found.
   void copy(const ZmBaseHash& other) {
     if (this == &other) return;
@@ -68,7 +82,8 @@ class ZmBaseHash {
     return static_cast<T*>(table_.get(key, hash));
   }  ///< As get().
   const ZmString* _stored(std::string_view key, ZmSlotTable::Hash hash) const {
-    return table_.stored(key, hash);
+    const ZmSlotTable::Entry* held = table_.find(key, hash);
+    return held ? held->key : nullptr;
   }  ///< The hash's own key, lent; null when there is none.
   unsigned char _set(T* value, ZmString* key, ZmSlotTable::Hash hash) {
     return table_.set(value, key, hash, _destroy);
@@ -81,8 +96,11 @@ class ZmBaseHash {
 
  private:
   static void _destroy(void* value) { delete static_cast<T*>(value); }
+  // Texts are copied without room to grow.
   static void* _copied(const void* value) {
     if (!value) return nullptr;
+    if constexpr (std::is_same_v<T, ZmString>)
+      return ZmString::_exact(*static_cast<const ZmString*>(value));
     auto object = std::make_unique<T>();
     object->copy(*static_cast<const T*>(value));
     return object.release();

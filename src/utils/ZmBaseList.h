@@ -9,10 +9,14 @@
 ///
 /// Owns its elements: push() takes one, pop() and remove() hand it back, clear() and the destructor
 /// destroy all, release() forgets all undestroyed, get() and top() lend. Positions run from 0 to
-/// length()-1; a miss is null; nothing is thrown. T has a default constructor, a virtual destructor
-/// and copy(const T&). One thread at a time.
+/// length()-1; a miss is null. Elements are not null: a list that was given one can only be looked
+/// at, emptied and destroyed. T has a default constructor, a virtual destructor and copy(const T&).
+///
+/// push() tells of missing memory by its result. Copying throws std::bad_alloc when there is none
+/// for an element, and passes on what T's copy() throws; the list then holds the copies made so
+/// far. A Compare may not throw. One thread at a time.
 template <class T>
-class ZmBaseList {
+class ZM_EXPORT ZmBaseList {
  public:
   /// Less than, equal to or greater than 0, as strcmp.
   using Compare = int (*)(const T*, const T*);
@@ -50,7 +54,8 @@ class ZmBaseList {
       if (push(element.get())) element.release();
     }
   }
-  /// Sorts in place by quicksort, not stably; only pointers move.
+  /// Sorts in place by quicksort, not stably; only pointers move. Which of several equal elements
+  /// comes first is a promise, and so many equal ones cost quadratic time.
   void sort(Compare compare) {
     zm_quicksort(
         array_.data(), length(),

@@ -1,10 +1,10 @@
 #include "ZmConfig.h"
 
-#include <unistd.h>
-
 #include <iostream>
 #include <memory>
+#include <utility>
 
+#include "ZmHost.h"
 #include "ZmSectionValue.h"
 #include "ZmText.h"
 
@@ -12,88 +12,112 @@ namespace {
 
 enum Tag { kOptions = 0, kAddress = 1, kName = 2, kLabels = 3 };
 
+// Writes the label order as the record of a list, so that none has to be made.
+class LabelOrder : public ZmStringList {
+ public:
+  explicit LabelOrder(const ZmConfig& section) : section_(section) {}
+  void encode() override {
+    store(kCount, section_._count());
+    for (int i = 0; i < section_._count(); ++i) store(kElement, section_._labelat(i));
+  }
+
+ private:
+  const ZmConfig& section_;
+};
+
 }  // namespace
 
 ZmConfig::ZmConfig(const ZmConfig& other) : ZmPack(other) { copy(other); }
 
 void ZmConfig::copy(const ZmConfig& other) {
   if (this == &other) return;
-  values_.release();
   address_ = other.address_;
-  name_ = other.name_;
+  name_._fit(other.name_);
   options_ = other.options_;
-  if (other.labels_.length() < 1) {
-    options_.copykeys(labels_);
-  } else {
-    labels_ = other.labels_;
+  labels_.reset();
+  if (!other.labels_ && !other.options_._table().anyremoved()) return;
+  labels_ = std::make_unique<ZmStringList>(other.optionlist());
+  if (labels_->length() < 1) options_.copykeys(*labels_);
+}
+
+ZmStringList& ZmConfig::_list() {
+  if (!labels_) labels_ = std::make_unique<ZmStringList>(optionlist());
+  return *labels_;
+}
+
+void ZmConfig::labels(ZmStringList& list) const {
+  if (labels_) return list.copy(*labels_);
+  list.clear();
+  for (int i = 0; i < _count(); ++i) {
+    std::unique_ptr<ZmString> label(ZmString::_exact(_labelat(i)));
+    if (list.push(label.get())) static_cast<void>(label.release());
   }
+}
+
+ZmStringList ZmConfig::optionlist() const {
+  ZmStringList list;
+  labels(list);
+  return list;
 }
 
 const ZmString& ZmConfig::option(const ZmString& label) const {
   const ZmString* value = options_.get(label);
-  return value ? *value : empty_;
+  return value ? *value : zm_no_text();
 }
 
 // Null when the label order lists a label that the options lack, as a record may have it.
 ZmString* ZmConfig::_valueat(int i) const {
-  if (values_.length() != labels_.length()) return options_.get(*labels_.get(i));
-  return static_cast<ZmString*>(values_.get(i));
+  if (labels_) return options_.get(*labels_->get(i));
+  return static_cast<ZmString*>(options_._table().entry(i).value);
 }
 
 const ZmString& ZmConfig::_optionat(int i) const {
   const ZmString* value = _valueat(i);
-  return value ? *value : empty_;
+  return value ? *value : zm_no_text();
 }
 
 void ZmConfig::_replace(int i, std::string_view value) {
-  if (ZmString* stored = _valueat(i)) zm_assign(*stored, value);
+  if (ZmString* stored = _valueat(i)) stored->_fit(value.data(), static_cast<int>(value.size()));
 }
 
 void ZmConfig::option(const ZmString& label, const ZmString& value) {
-  _place(
-      zm_view(label), ZmSlotTable::hash(zm_view(label)), [&] { return new ZmString(value); },
-      [&](ZmString& stored) {
-        if (value.isundef()) return false;  // an assignment leaves a text defined
-        stored = value;
-        return true;
-      });
+  _store(zm_view(label), ZmSlotTable::hash(zm_view(label)), zm_view(value), value.secure());
 }
 
-int ZmConfig::_store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value) {
-  const auto count = static_cast<int>(value.size());
-  return _place(
-      label, hash, [&] { return ZmString::_exact(value.data(), count); },
-      [&](ZmString& stored) {
-        zm_assign(stored, value);
-        return true;
-      });
-}
-
-template <class Make, class Assign>
-int ZmConfig::_place(std::string_view label, ZmSlotTable::Hash hash, Make make, Assign assign) {
-  ZmSlotTable& table = options_._table();
+int ZmConfig::_store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value,
+                     unsigned char secure) {
+  const ZmSlotTable& table = options_._table();
   const ZmSlotTable::Spot spot = table.locate(label, hash);
-  const auto count = static_cast<int>(label.size());
+  const auto length = static_cast<int>(value.size());
   if (spot.found >= 0 && spot.found == spot.place) {
-    // Written over where it stands, as if it were replaced. But a secure text has to be wiped, and
-    // an equal label with other bytes behind a zero byte takes the place of the old one.
+    // Written over where it stands, as if it were replaced. But a secure text has to be wiped, a
+    // new empty one is undefined, and an equal label with other bytes behind a zero byte takes the
+    // place of the old one.
     auto* stored = static_cast<ZmString*>(table.value(spot.found));
-    const bool plain = stored && !stored->secure() && label.find('\0') == label.npos;
-    if (plain && assign(*stored)) return -1;
+    if (stored && !stored->secure() && length > 0 && label.find('\0') == label.npos) {
+      stored->secure(secure);
+      stored->_fit(value.data(), length);
+      return -1;
+    }
   }
-  const bool known = spot.found >= 0 || options_._get(label, hash) != nullptr;
-  ZmString* value = make();
-  auto* listed = known ? nullptr : ZmString::_exact(label.data(), count);
-  auto* key = ZmString::_exact(label.data(), count);
-  if (!table.fill(spot, value, key, hash)) options_._set(value, key, hash);
-  if (listed) labels_.push(listed);
-  // A growth of the table may drop one of two labels that differ behind a zero byte only.
-  if (listed && values_.length() + 1 == labels_.length() && table.entries() == labels_.length()) {
-    values_.push(value);
-  } else {
-    values_.release();
-  }
-  return listed ? labels_.length() - 1 : -1;
+  std::unique_ptr<ZmString> made(ZmString::_exact(value.data(), length));
+  made->secure(secure);
+  std::unique_ptr<ZmString> key(ZmString::_exact(label.data(), static_cast<int>(label.size())));
+  return _add(spot, hash, std::move(key), std::move(made));
+}
+
+int ZmConfig::_add(const ZmSlotTable::Spot& spot, ZmSlotTable::Hash hash,
+                   std::unique_ptr<ZmString> key, std::unique_ptr<ZmString> value) {
+  const std::string_view label = zm_view(*key);
+  const bool hidden = spot.found >= 0 && spot.found != spot.place;
+  if (hidden || label.find('\0') != label.npos) _list();
+  std::unique_ptr<ZmString> listed(spot.known || !labels_ ? nullptr : ZmString::_exact(*key));
+  if (!options_._table().fill(spot, value.get(), key.get(), hash))
+    options_._set(value.get(), key.get(), hash);
+  static_cast<void>(value.release());
+  static_cast<void>(key.release());
+  if (listed && labels_->push(listed.get())) static_cast<void>(listed.release());
+  return spot.known ? -1 : _count() - 1;
 }
 
 const ZmString* ZmConfig::_find(std::string_view label) const {
@@ -106,56 +130,49 @@ unsigned char ZmConfig::exists(const ZmString& label) const {
 
 unsigned char ZmConfig::remove(const ZmString& label) {
   const std::unique_ptr<ZmString> value(options_.remove(label));
-  if (!value) return 0;
-  values_.release();
-  const std::unique_ptr<ZmString> listed(labels_.remove(labels_.find(label)));
+  if (!value || !labels_) return value != nullptr;  // without a list the label may have gone, too
+  const std::unique_ptr<ZmString> listed(labels_->remove(labels_->find(label)));
   return listed != nullptr;
 }
 
 void ZmConfig::inherit(const ZmConfig& other) {
-  for (int i = 0; i < other.labels_.length(); ++i) {
-    const ZmString& label = *other.labels_.get(i);
-    option(label, other.option(label));
-  }
+  for (int i = 0; i < other._count(); ++i) option(other._labelat(i), other._optionat(i));
 }
 
 unsigned char ZmConfig::matchsubset(const ZmConfig& other) const {
-  for (int i = 0; i < other.labels_.length(); ++i)
-    if (other._optionat(i) != option(*other.labels_.get(i))) return 0;
+  for (int i = 0; i < other._count(); ++i)
+    if (other._optionat(i) != option(other._labelat(i))) return 0;
   return 1;
 }
 
-ZmString ZmConfig::host() const {
-  char name[1024] = {};
-  if (::gethostname(name, sizeof name - 1) != 0) return {};
-  return name;
-}
+ZmString ZmConfig::host() const { return zm_hostname(); }
 
 ZmString ZmConfig::convert() const {
   ZmString text;
-  for (int i = 0; i < labels_.length(); ++i) zm_append_option(text, *labels_.get(i), _optionat(i));
+  for (int i = 0; i < _count(); ++i) zm_append_option(text, _labelat(i), _optionat(i));
   return text;
 }
 
 void ZmConfig::display() const {
-  std::cout << "items: " << labels_.length() << '\n';
-  for (int i = 0; i < labels_.length(); ++i)
-    std::cout << i << ": " << *labels_.get(i) << '=' << _optionat(i) << '\n';
+  std::cout << "items: " << _count() << '\n';
+  for (int i = 0; i < _count(); ++i)
+    std::cout << i << ": " << _labelat(i) << '=' << _optionat(i) << '\n';
 }
 
 void ZmConfig::encode() {
+  LabelOrder labels(*this);
   store(kAddress, address_);
-  store(kLabels, labels_);
+  store(kLabels, labels);
   store(kOptions, options_);
   store(kName, name_);
 }
 
 void ZmConfig::decode() {
-  values_.release();
-  if (_offers(kLabels, labels_)) labels_.clear();
+  ZmStringList& list = _list();
+  if (_offers(kLabels, list)) list.clear();
   if (_offers(kOptions, options_)) options_.clear();
   restore(kAddress, address_);
-  restore(kLabels, labels_);
+  restore(kLabels, list);
   restore(kOptions, options_);
   restore(kName, name_);
 }

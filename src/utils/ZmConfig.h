@@ -4,6 +4,7 @@
 /// @file
 /// ZmConfig, and functions for sorting.
 
+#include <memory>
 #include <string_view>
 
 #include "ZmAddress.h"
@@ -22,7 +23,7 @@
 /// name. Unpacking replaces each of these that the record holds. So does reading its XML form:
 /// "name", "address" and "options", an "item" for each label in their order. Only where labels and
 /// options don't agree, the label order stands in "labels" of its own.
-class ZmConfig : public ZmPack {
+class ZM_EXPORT ZmConfig : public ZmPack {
  public:
   /// @name Construction
   /// @{
@@ -49,10 +50,13 @@ class ZmConfig : public ZmPack {
   /// Sets the value. A new label goes to the end of the label order; a known one keeps its place.
   void option(const ZmString& label, const ZmString& value);
   unsigned char exists(const ZmString& label) const;  ///< Whether the label is set.
-  /// Removes the label and its value; 0 when it was not set.
+  /// Removes the label and its value; 0 when it was not set. A label that had been set anew after
+  /// the removal of another may still have an older value, which then shows again, unlisted. Takes
+  /// no longer in long sections, but where labels() can't follow the options (labels with a zero
+  /// byte, values set anew as above, sections read from records): there it searches the labels.
   unsigned char remove(const ZmString& label);
-  void labels(ZmStringList& list) const { list.copy(labels_); }  ///< Replaces the list by a copy.
-  ZmStringList optionlist() const { return labels_; }            ///< A copy of the label order.
+  void labels(ZmStringList& list) const;  ///< Replaces the list by a copy of the label order.
+  ZmStringList optionlist() const;        ///< A copy of the label order.
   /// Sets every label of the other section, in its order, to the value it has there.
   void inherit(const ZmConfig& other);
   /// 1 when every label of the other section has the same value here (an absent one counts as the
@@ -60,7 +64,7 @@ class ZmConfig : public ZmPack {
   unsigned char matchsubset(const ZmConfig& other) const;
   /// @}
 
-  void name(const ZmString& name) { name_ = name; }               ///< Sets the name.
+  void name(const ZmString& name) { name_._fit(name); }           ///< Sets the name.
   const ZmString& name() const { return name_; }                  ///< The section's name.
   void address(const ZmAddress& address) { address_ = address; }  ///< Sets the address.
   const ZmAddress& address() const { return address_; }           ///< The section's address.
@@ -74,12 +78,14 @@ class ZmConfig : public ZmPack {
   /// the rest of its line is ignored. Lines that don't fit are skipped.
   /// @{
 
-  /// Reads the file's text; when it can't be opened only the valid flag changes, to 0.
+  /// Reads the file's text; when it can't be read, as a directory, only the valid flag changes, to
+  /// 0.
   void load(const ZmString& path);
   unsigned char parse(const ZmString& text);                          ///< Reads the text. Always 1.
   unsigned char revert(const ZmString& text) { return parse(text); }  ///< parse(text).
-  unsigned char valid() const { return valid_; }              ///< Whether a text has been read.
-  unsigned char eof() const { return position_ >= length_; }  ///< Whether the text is used up.
+  unsigned char valid() const { return valid_; }  ///< Whether a text has been read.
+  /// Whether the text is used up.
+  unsigned char eof() const { return !text_ || text_->rest.empty(); }
   /// The byte under the cursor, sign-extended, and one step on; 0 at the end.
   int get();
   int peek() const;  ///< get() without the step.
@@ -96,19 +102,27 @@ class ZmConfig : public ZmPack {
   /// @name By position
   /// From 0 to _count() - 1, in label order; no other position may be asked for.
   /// @{
-  int _count() const { return labels_.length(); }                    ///< The number of labels.
-  const ZmString& _labelat(int i) const { return *labels_.get(i); }  ///< The label, lent.
+
+  /// The number of labels.
+  int _count() const { return labels_ ? labels_->length() : options_._table().entries(); }
+  /// The label, lent.
+  const ZmString& _labelat(int i) const {
+    const ZmString* label = labels_ ? labels_->get(i) : options_._table().entry(i).key;
+    return label ? *label : zm_no_text();
+  }
   const ZmString& _optionat(int i) const;        ///< Its value, lent as by option().
   void _replace(int i, std::string_view value);  ///< Sets its value.
   /// @}
 
   /// @name For texts that are no ZmString yet
   /// @{
+
   /// The value, lent as by option(); null when the label is absent.
   const ZmString* _find(std::string_view label) const;
   /// option(label, value), with the hash of the label. The position of a new label, -1 for a known
   /// one.
-  int _store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value);
+  int _store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value,
+             unsigned char secure = 0);
   /// @}
 
   void display() const;  ///< Prints a numbered listing.
@@ -119,9 +133,13 @@ class ZmConfig : public ZmPack {
   void decodeXML() override;  ///< Restores every member.
 
  private:
+  class Items;  // the options as an XML element
+
+  ZmStringList& _list();
   ZmString* _valueat(int i) const;
-  template <class Make, class Assign>
-  int _place(std::string_view label, ZmSlotTable::Hash hash, Make make, Assign assign);
+  bool _ordered() const;
+  int _add(const ZmSlotTable::Spot& spot, ZmSlotTable::Hash hash, std::unique_ptr<ZmString> key,
+           std::unique_ptr<ZmString> value);
 
   unsigned char _parse();
   void _whitespace();
@@ -132,22 +150,22 @@ class ZmConfig : public ZmPack {
 
   ZmAddress address_;
   ZmString name_;
-  ZmStringList labels_;  // in the order of their first setting
+  // The label order. Null while it is that in which the options hold their entries: each label has
+  // one entry, and a lookup finds it. Labels with a zero byte, a label that is set anew before the
+  // place of its entry, copies that lose entries, and records make it differ.
+  std::unique_ptr<ZmStringList> labels_;
   ZmStringHash options_;
-  int position_ = 0;  // cursor in the parsed text
-  ZmString text_;     // the parsed text
+  struct Text {
+    ZmString text;
+    std::string_view rest;  // what the cursor has not passed
+  };
+  std::unique_ptr<Text> text_;  // null unless one is being parsed
   unsigned char valid_ = 0;
-  ZmString empty_;               // what a missing label reads as
-  const char* cache_ = nullptr;  // the parsed text's bytes and their number, set by _parse()
-  int length_ = 0;
-  // The stored values in label order, lent by the options: printing and expanding a section then
-  // needs no lookup. Of another length than the label order when that is not known.
-  ZmPointerArray values_;
 };
 
 /// Byte order: 1 when *a > *b, -1 when *a < *b, else 0.
-int _zm_config_cmp(const ZmString* a, const ZmString* b);
+ZM_EXPORT int _zm_config_cmp(const ZmString* a, const ZmString* b);
 /// The same, under the name that list sorting uses.
-int zm_config_sort_func(const ZmString* a, const ZmString* b);
+ZM_EXPORT int zm_config_sort_func(const ZmString* a, const ZmString* b);
 
 #endif

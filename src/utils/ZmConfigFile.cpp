@@ -8,6 +8,7 @@
 #include "ZmExpander.h"
 #include "ZmFile.h"
 #include "ZmText.h"
+#include "ZmTextList.h"
 
 ZmConfigFile::ZmConfigFile(const ZmString& path, unsigned char lowercase) : lowercase_(lowercase) {
   parse(ZmFile::load(path));
@@ -25,7 +26,7 @@ void ZmConfigFile::parse(const ZmString& text) {
 
 void ZmConfigFile::tokenize(const ZmString& text, ZmStringList& tokens) const {
   ZmConfigScanner scanner(zm_view(text));
-  for (ZmConfigToken token; scanner.next(token);) tokens.push(new ZmString(zm_string(token.text)));
+  for (ZmConfigToken token; scanner.next(token);) zm_push(tokens, token.text);
 }
 
 void ZmConfigFile::keys(ZmStringList& list) const {
@@ -48,8 +49,7 @@ void ZmConfigFile::display() const {
 }
 
 void ZmConfigFile::stringtokenize(const ZmString& text, ZmStringList& tokens) const {
-  for (ZmCursor in(zm_view(text)); !in.eof();)
-    tokens.push(new ZmString(zm_string(zm_value_word(in))));
+  for (ZmCursor in(zm_view(text)); !in.eof();) zm_push(tokens, zm_value_word(in));
 }
 
 ZmString ZmConfigFile::_localvalue(const ZmString& section, const ZmString& value) const {

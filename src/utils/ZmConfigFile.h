@@ -30,7 +30,7 @@
 ///
 /// The reader owns its sections. It prints warnings about missing parents and about circles on
 /// standard error; nothing else is reported. One thread at a time.
-class ZmConfigFile : public ZmBase {
+class ZM_EXPORT ZmConfigFile : public ZmBase {
  public:
   ZmConfigFile() = default;  ///< No sections; the default section is named "default".
   /// Reads the file; a path that can't be read counts as an empty file. With `lowercase` the names
@@ -48,9 +48,12 @@ class ZmConfigFile : public ZmBase {
 
   /// Appends a copy of every section name, in the order of the hash.
   void keys(ZmStringList& list) const;
-  /// The section, lent; null when there is none of this name.
+  /// The section, lent for as long as the reader has it: parse() changes sections where they are.
+  /// Null when there is none of this name. Renaming a section changes what it says of itself, not
+  /// the name by which it is found here and by references.
   ZmConfig* config(const ZmString& name) const { return sections_.get(name); }
-  ZmConfigHash export_hash() const { return sections_; }  ///< A deep copy of the sections.
+  const ZmConfigHash& _sections() const { return sections_; }  ///< The sections, lent.
+  ZmConfigHash export_hash() const { return sections_; }       ///< A deep copy of the sections.
   void release() { sections_.release(); }  ///< Forgets the sections without destroying them.
   void display() const;                    ///< Prints every section, values in single quotes.
 

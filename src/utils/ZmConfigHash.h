@@ -6,7 +6,7 @@
 
 /// A hash of sections. Its type code and XML name are those of ZmConfigList, which readers of
 /// records rely on.
-class ZmConfigHash : public ZmHash<ZmConfig> {
+class ZM_EXPORT ZmConfigHash : public ZmHash<ZmConfig> {
  public:
   ZmConfigHash() = default;                                      ///< Empty.
   ZmConfigHash(const ZmConfigHash& other) = default;             ///< A deep copy.

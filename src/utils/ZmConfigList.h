@@ -5,7 +5,7 @@
 #include "ZmList.h"
 
 /// A list of sections.
-class ZmConfigList : public ZmList<ZmConfig> {
+class ZM_EXPORT ZmConfigList : public ZmList<ZmConfig> {
  public:
   int type() const override { return 51; }                     ///< The type code.
   ZmString typeXML() const override { return "config_list"; }  ///< The XML element name.

@@ -221,8 +221,7 @@ ZmConfigReader::Target ZmConfigReader::section(const ZmString& name) {
   auto config = std::make_unique<ZmConfig>();
   config->name(name);
   ZmConfig* made = config.get();
-  auto key = std::make_unique<ZmString>(name);
-  sections_._set(config.release(), key.release(), hash);
+  sections_._set(config.release(), ZmString::_exact(name), hash);
   created_.push_back({made});
   if (observer_) observer_->section(*made, true);
   return {made, created_.size() - 1, zm_view(made->name())};

@@ -1,6 +1,5 @@
 // The section text parser and templates of ZmConfig.
 #include <cstdio>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,12 +8,14 @@
 #include "ZmConfig.h"
 #include "ZmCursor.h"
 #include "ZmFile.h"
+#include "ZmFileReader.h"
 #include "ZmSectionValue.h"
 #include "ZmText.h"
 
 namespace {
 
-constexpr ZmCharSet kBlank(" \t\r"), kTemplateBlank(" \t");
+// What is no part of a label, in section text and in templates.
+constexpr ZmCharSet kTextBlank(" \t\r"), kTemplateBlank(" \t");
 constexpr ZmCharSet kPlainEnd(" \t\r\n#");
 constexpr ZmCharSet kLabelEnd(".=");
 constexpr ZmCharSet kLower("abcdefghijklmnopqrstuvwxyz");
@@ -89,47 +90,44 @@ std::optional<std::string> templatelabel(std::string_view line) {
 }  // namespace
 
 void ZmConfig::load(const ZmString& path) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.value(), "r"),
-                                                             std::fclose);
-  valid_ = file != nullptr;
-  if (!file) return;
-  position_ = 0;
-  text_.clear();
+  const ZmOpenFile file(std::fopen(path.value(), "r"));
+  ZmString text;
   char block[1024];
-  for (std::size_t n = sizeof block; n == sizeof block;) {
+  for (std::size_t n = sizeof block; file && n == sizeof block;) {
     n = std::fread(block, 1, sizeof block, file.get());
-    text_.append(block, static_cast<int>(n));
+    text.append(block, static_cast<int>(n));
   }
-  _parse();
+  valid_ = file && !std::ferror(file.get());  // a directory opens, and then can't be read
+  if (valid_) parse(text);
 }
 
 unsigned char ZmConfig::parse(const ZmString& text) {
-  position_ = 0;
-  text_ = text;
+  text_ = std::make_unique<Text>(Text{text, {}});
   valid_ = 1;
   return _parse();
 }
 
-int ZmConfig::peek() const { return eof() ? 0 : static_cast<signed char>(cache_[position_]); }
+// Signed, whatever char is: a byte above 127 ends a plain value.
+int ZmConfig::peek() const { return eof() ? 0 : static_cast<signed char>(text_->rest[0]); }
 
 int ZmConfig::get() {
   const int c = peek();
-  if (!eof()) ++position_;
+  if (!eof()) text_->rest.remove_prefix(1);
   return c;
 }
 
 unsigned char ZmConfig::_parse() {
-  cache_ = text_.value();
-  length_ = text_.length();
+  text_->rest = zm_view(text_->text);
   while (!eof()) {
     _whitespace();
     if (!_comment() && !_header() && !_option()) get();
   }
+  text_.reset();
   return 1;
 }
 
 void ZmConfig::_whitespace() {
-  while (kBlank.has(peek())) get();
+  while (kTextBlank.has(peek())) get();
 }
 
 bool ZmConfig::_comment() {
@@ -145,6 +143,7 @@ bool ZmConfig::_header() {
   return true;
 }
 
+// False only where the text ended: whatever else the line holds, it is used up.
 bool ZmConfig::_option() {
   ZmString label;
   for (;;) {
@@ -153,7 +152,7 @@ bool ZmConfig::_option() {
     const int c = get();
     if (c == '\n') return true;
     if (c == '=') break;
-    if (!kBlank.has(c)) label.append(static_cast<char>(c));
+    if (!kTextBlank.has(c)) label.append(static_cast<char>(c));
   }
   ZmString value;
   if (!_value(value)) return false;
@@ -179,22 +178,27 @@ ZmString ZmConfig::loadtemplate(const ZmString& path) const {
 
 ZmString ZmConfig::usetemplate(const ZmString& text) const {
   ZmString result;
-  std::unordered_set<const ZmString*> used;  // the values that have been written
+  std::unordered_set<std::string> used;  // labels that need no mention any more
   for (ZmCursor in(zm_view(text)); !in.eof();) {
     const std::string_view line = templateline(in);
     const auto label = templatelabel(line);
     const ZmString* value = label ? _find(*label) : nullptr;
     if (value) {
-      if (used.insert(value).second) zm_append_option(result, zm_string(*label), *value);
+      if (used.insert(*label).second) zm_append_option(result, zm_string(*label), *value);
     } else if (line != kNotIncluded) {
-      if (label && line[0] != '#') result.append('#');
+      if (label && line[0] != '#') {
+        used.insert(*label);  // the label order of a record may name it all the same
+        result.append('#');
+      }
       zm_append(result, line);
       result.append('\n');
     }
   }
   ZmString unused;
-  for (int i = 0; i < labels_.length(); ++i)
-    if (!used.contains(&_optionat(i))) zm_append_option(unused, *labels_.get(i), _optionat(i));
+  for (int i = 0; i < _count(); ++i) {
+    if (!used.contains(std::string(zm_view(_labelat(i)))))
+      zm_append_option(unused, _labelat(i), _optionat(i));
+  }
   if (unused.length() > 0) {
     zm_append(result, kNotIncluded);
     result.append('\n');

@@ -19,6 +19,15 @@ struct ZmCharSet {
   std::array<bool, 256> in{};
 };
 
+// White space wherever this and not another set of blanks is meant.
+inline constexpr ZmCharSet kZmSpace(" \t\r\n");
+
+inline std::string_view zm_trimmed(std::string_view text) {
+  while (!text.empty() && kZmSpace.has(text.front())) text.remove_prefix(1);
+  while (!text.empty() && kZmSpace.has(text.back())) text.remove_suffix(1);
+  return text;
+}
+
 class ZmCursor {
  public:
   explicit ZmCursor(std::string_view text) : at_(text.data()), end_(text.data() + text.size()) {}

@@ -3,11 +3,14 @@
 #include <unistd.h>
 
 #include <ctime>
-#include <fstream>
 #include <iostream>
 #include <utility>
 
 #include "ZmFile.h"
+#include "ZmFileReader.h"
+#include "ZmHost.h"
+#include "ZmNumber.h"
+#include "ZmTextList.h"
 
 namespace {
 
@@ -15,24 +18,20 @@ constexpr int kWeeks = 53;  // files of one year, the last one for the odd days
 constexpr const char* kMonths[] = {"Jan ", "Feb ", "Mar ", "Apr ", "May ", "Jun ",
                                    "Jul ", "Aug ", "Sep ", "Oct ", "Nov ", "Dec "};
 
-// Set up at compile time and never destroyed, so that static constructors and destructors of other
-// files can log.
-constinit std::ofstream* _zm_debug_ofs = nullptr;
-constinit union Global {
-  constexpr Global() : object() {}
-  ~Global() {}  // NOLINT(modernize-use-equals-default): that would be a deleted one
-  ZmDebug object;
-} _zm_debug_global_obj;
-constinit int _zm_debug_verbosity = ~4096;
+constinit int verbosity = ~4096;
 
-// Closes the file at exit. Who logs later gets each piece written at once.
-constinit bool _zm_debug_exiting = false;
-struct AtExit {
-  ~AtExit() {
-    _zm_debug_exiting = true;
-    _zm_debug_global_obj.object.unlock();
-  }
-} const at_exit;
+struct Log {
+  ZmDebug object;
+  bool open = false;  // whether what is written goes to the file
+  ZmOpenFile file;    // null when it could not be opened: it then swallows what is written
+};
+
+// Never destroyed: static constructors and destructors of other files may log. What the file has
+// not written at the end of the process goes with the other files of the C library.
+Log& process() {
+  static Log* const log = new Log;
+  return *log;
+}
 
 // Static constructors may get here before the standard streams are set up for this file.
 std::ostream& standardoutput() {
@@ -45,13 +44,7 @@ bool localnow(std::tm& local) {
   return ::localtime_r(&now, &local) != nullptr;
 }
 
-// "" when the system doesn't tell it.
-ZmString hostname() {
-  char name[1024] = {};
-  ::gethostname(name, sizeof name - 1);
-  return name;
-}
-
+// By hand: strftime() knows month names of the locale and no unpadded hour.
 ZmString prefix(const std::tm& local) {
   ZmString text("[");
   if (local.tm_mon >= 0 && local.tm_mon < 12) text += kMonths[local.tm_mon];
@@ -65,7 +58,7 @@ ZmString prefix(const std::tm& local) {
   text += ":";
   text.integervalue(local.tm_sec, 2);
   text += "] ";
-  text += hostname();
+  text += zm_hostname();
   text += "[";
   text += static_cast<int>(::getpid());
   text += "]: ";
@@ -76,20 +69,24 @@ ZmString prefix(const std::tm& local) {
 
 void ZmDebug::filename(const ZmString& name) { filename_ = std::make_unique<ZmString>(name); }
 
-void ZmDebug::unlock() { delete std::exchange(_zm_debug_ofs, nullptr); }
+void ZmDebug::unlock() {
+  process().file.reset();
+  process().open = false;
+}
 
-std::ostream* ZmDebug::_stream() {
-  if (_zm_debug_ofs) return _zm_debug_ofs;
-  if ((mode_ != 0 && mode_ != 1) || !filename_ || filename_->length() == 0) return nullptr;
+// Once a file is open it serves every object: which one wrote first decides until unlock().
+bool ZmDebug::_open() {
+  if (process().open) return true;
+  if ((mode_ != 0 && mode_ != 1) || !filename_ || filename_->length() == 0) return false;
   ZmString name(*filename_);
   if (mode_ == 1) {
     std::tm local{};
-    if (!localnow(local)) return nullptr;
+    if (!localnow(local)) return false;
     name += ".";
     name += local.tm_yday / 7;
   }
-  // Kept even when it can't be opened: it then swallows what is written.
-  return _zm_debug_ofs = new std::ofstream(name.value(), std::ios::app);
+  process().file.reset(std::fopen(name.value(), "ae"));  // "e": not for programs that are started
+  return process().open = true;
 }
 
 ZmDebug& ZmDebug::mark() {
@@ -97,25 +94,29 @@ ZmDebug& ZmDebug::mark() {
   return localnow(local) ? *this << prefix(local) : *this;
 }
 
-template <class T>
-ZmDebug& ZmDebug::_write(const T& value) {
-  std::ostream* stream = _stream();
-  (stream ? *stream : standardoutput()) << value;
-  if (_zm_debug_exiting) unlock();
+// Unformatted: what the program has set on its streams, and its locale, are not for the log.
+ZmDebug& ZmDebug::_write(std::string_view text) {
+  if (!_open()) {
+    standardoutput().write(text.data(), static_cast<std::streamsize>(text.size()));
+  } else if (process().file) {
+    std::fwrite(text.data(), 1, text.size(), process().file.get());
+  }
   return *this;
 }
 
 ZmDebug& ZmDebug::operator<<(const char* value) { return value ? _write(value) : *this; }
-ZmDebug& ZmDebug::operator<<(const ZmString& value) { return _write(value); }
-ZmDebug& ZmDebug::operator<<(int value) { return _write(value); }
-ZmDebug& ZmDebug::operator<<(unsigned int value) { return _write(value); }
-ZmDebug& ZmDebug::operator<<(long long value) { return _write(value); }
-ZmDebug& ZmDebug::operator<<(float value) { return _write(value); }
-ZmDebug& ZmDebug::operator<<(char value) { return _write(value); }
+ZmDebug& ZmDebug::operator<<(const ZmString& value) { return _write(value.value()); }
+ZmDebug& ZmDebug::operator<<(int value) { return _write(ZmNumberText(value).view()); }
+ZmDebug& ZmDebug::operator<<(unsigned int value) { return *this << static_cast<long long>(value); }
+ZmDebug& ZmDebug::operator<<(long long value) { return _write(ZmNumberText(value).view()); }
+ZmDebug& ZmDebug::operator<<(float value) {
+  return _write(ZmNumberText(value, std::chars_format::general).view());
+}
+ZmDebug& ZmDebug::operator<<(char value) { return _write({&value, 1}); }
 
-ZmDebug& zm_debug_obj() { return _zm_debug_global_obj.object; }
-int zm_debug_verb() { return _zm_debug_verbosity; }
-void zm_debug_verbosity(int mask) { _zm_debug_verbosity = mask; }
+ZmDebug& zm_debug_obj() { return process().object; }
+int zm_debug_verb() { return verbosity; }
+void zm_debug_verbosity(int mask) { verbosity = mask; }
 
 void zm_debug_filename(const ZmString& name, int mode) {
   zm_debug_obj().mode(mode);
@@ -125,6 +126,6 @@ void zm_debug_filename(const ZmString& name, int mode) {
 void zm_debug_logfiles(const ZmString& base, ZmStringList& list) {
   for (int week = 0; week < kWeeks; ++week) {
     auto name = std::make_unique<ZmString>(base + "." + week);
-    if (ZmFile::exists(*name) && list.push(name.get())) static_cast<void>(name.release());
+    if (ZmFile::exists(*name)) zm_push(list, std::move(name));
   }
 }

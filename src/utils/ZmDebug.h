@@ -4,8 +4,8 @@
 /// @file
 /// ZmDebug, and the log of the process.
 
-#include <iosfwd>
 #include <memory>
+#include <string_view>
 
 #include "ZmString.h"
 #include "ZmStringList.h"
@@ -16,10 +16,13 @@
 /// of the process. Messages for a file that can't be opened are lost without a report: a log must
 /// not disturb the program. Nothing is locked; the open file is shared by all objects.
 ///
+/// The file is written in blocks and closed in programs that the process starts. A child made by
+/// fork() shares it, and writes once more what its parent had not written yet: unlock() before.
+///
 ///     zm_debug_obj().mark() << "started\n";
-class ZmDebug {
+class ZM_EXPORT ZmDebug {
  public:
-  constexpr ZmDebug() = default;  ///< Mode 0, without a file name.
+  ZmDebug() = default;  ///< Mode 0, without a file name.
   ZmDebug(const ZmDebug&) = delete;
   ZmDebug& operator=(const ZmDebug&) = delete;
   ~ZmDebug() = default;
@@ -37,7 +40,8 @@ class ZmDebug {
   ZmDebug& mark();
 
   /// @name Writing
-  /// With the formatting of standard streams. Null writes nothing.
+  /// With the formatting of fresh standard streams in the "C" locale, whatever the program's locale
+  /// is or was set on std::cout. Null writes nothing.
   /// @{
   ZmDebug& operator<<(const char* value);      ///< A text.
   ZmDebug& operator<<(const ZmString& value);  ///< A text.
@@ -53,9 +57,8 @@ class ZmDebug {
   /// @}
 
  private:
-  std::ostream* _stream();  // null: standard output
-  template <class T>
-  ZmDebug& _write(const T& value);
+  bool _open();  // false: standard output
+  ZmDebug& _write(std::string_view text);
 
   std::unique_ptr<ZmString> filename_;
   int mode_ = 0;
@@ -63,14 +66,14 @@ class ZmDebug {
 
 /// The one object of the process. Ready before any static constructor and until the last static
 /// destructor runs.
-ZmDebug& zm_debug_obj();
+ZM_EXPORT ZmDebug& zm_debug_obj();
 /// The verbosity, a mask whose bits the callers define; all but 4096 are set at the start.
-int zm_debug_verb();
+ZM_EXPORT int zm_debug_verb();
 /// Sets the verbosity.
-void zm_debug_verbosity(int mask);
+ZM_EXPORT void zm_debug_verbosity(int mask);
 /// Sets mode and file name of zm_debug_obj().
-void zm_debug_filename(const ZmString& name, int mode);
+ZM_EXPORT void zm_debug_filename(const ZmString& name, int mode);
 /// Appends the names of the weekly files that exist, "BASE.0" to "BASE.52" in this order.
-void zm_debug_logfiles(const ZmString& base, ZmStringList& list);
+ZM_EXPORT void zm_debug_logfiles(const ZmString& base, ZmStringList& list);
 
 #endif

@@ -6,22 +6,20 @@
 #include <string_view>
 #include <utility>
 
-#include "ZmEvaluation.h"
-#include "ZmExpressionParser.h"
 #include "ZmOperator.h"
 #include "ZmSplit.h"
 #include "ZmStack.h"
 #include "ZmText.h"
+#include "ZmTextList.h"
 
 namespace {
-
-constexpr int kInfix = 0, kPostfix = 1, kPrefix = 2;  // notations
 
 void indentation(long long n) {
   constexpr std::string_view blanks =
       "                                                                ";
-  const auto size = static_cast<long long>(blanks.size());
-  for (; n > 0; n -= size) std::cout.write(blanks.data(), std::min(n, size));
+  constexpr auto size = static_cast<long long>(blanks.size());
+  for (; n > 0; n -= size)
+    std::cout.write(blanks.data(), static_cast<std::streamsize>(std::min(n, size)));
 }
 
 }  // namespace
@@ -39,7 +37,7 @@ void ZmExpression::_each(Node* root, Visit visit) {
 }
 
 // Needs neither recursion nor memory: each first child is turned above its parent, until the tree
-// is a chain of second children. The leaves go first: so blocks return to the pool in the order in
+// is a chain of second children. The leaves go first: so blocks are given back in the order in
 // which a parser takes them, and trees that are made again and again don't get scattered.
 void ZmExpression::_destroy(ZmExpression* tree) {
   for (ZmExpression** link = &tree; *link;) {
@@ -87,11 +85,10 @@ void ZmExpression::copy(const ZmExpression& other) {
     if (from->a_) pending.push({from->a_, to->a_ = new ZmExpression});
     if (from->b_) pending.push({from->b_, to->b_ = new ZmExpression});
   }
-  _changed();
   op_ = tree.op_;
   value_ = tree.value_;
   name_ = tree.name_;
-  operator_ = tree.operator_;
+  cache_ = tree.cache_;
   valuereq_ = tree.valuereq_;
   validreq_ = tree.validreq_;
   // What was held here goes with the temporary.
@@ -100,12 +97,12 @@ void ZmExpression::copy(const ZmExpression& other) {
   std::swap(reference_, tree.reference_);
 }
 
-// Everything but the children.
+// Everything but the children, and what a leaf's text was read as: that may be lent by the text.
 void ZmExpression::_fill(const ZmExpression& other) {
   op_ = other.op_;
   value_ = other.value_;
   name_ = other.name_;
-  operator_ = other.operator_;
+  cache_.op = other.cache_.op;
   _sources(other);
 }
 
@@ -120,108 +117,39 @@ void ZmExpression::_hold(ZmReference* reference) {
   if (reference) reference->increment();
 }
 
-// Whatever the node, or a tree that contains it, was known to come to may be different now.
-void ZmExpression::_changed() {
-  constant_ = kUnread;
-  foldedat_ = 0;
-  if (folded_) ZmEvaluation::changed();
-}
-
-void ZmExpression::_operator(const ZmOperator* known) {
-  zm_append(op_, known->name);
-  operator_ = known;
-}
-
 void ZmExpression::op(const ZmString& op) {
-  _changed();
   op_ = op;
-  operator_ = zm_operator(zm_view(op_));
+  cache_.op = zm_operator(zm_view(op_));
 }
 
 void ZmExpression::value(const ZmString& value) {
-  _changed();
   value_ = value;
+  cache_.constant = {};
 }
 
 void ZmExpression::name(const ZmString& name) {
-  _changed();
   name_ = name;
+  cache_.constant = {};
 }
 
-void ZmExpression::a(ZmExpression* a) {
-  _changed();
-  a_ = a;
-}
+// The child before is not destroyed: whoever rearranges a tree still holds it.
+void ZmExpression::a(ZmExpression* a) { a_ = a; }
 
-void ZmExpression::b(ZmExpression* b) {
-  _changed();
-  b_ = b;
-}
+void ZmExpression::b(ZmExpression* b) { b_ = b; }
 
 void ZmExpression::validreq(ValidRequest request) {
   _each(this, [request](ZmExpression& node) { node.validreq_ = request; });
 }
 
 void ZmExpression::valuereq(ValueRequest request) {
-  _each(this, [request](ZmExpression& node) {
-    node._changed();
-    node.valuereq_ = request;
-  });
+  _each(this, [request](ZmExpression& node) { node.valuereq_ = request; });
 }
 
 void ZmExpression::reference(ZmReference* reference) {
-  _each(this, [reference](ZmExpression& node) {
-    node._changed();
-    node._hold(reference);
-  });
+  _each(this, [reference](ZmExpression& node) { node._hold(reference); });
 }
 
-unsigned char ZmExpression::parse(const ZmString& text, int notation) {
-  if (notation != kPrefix) return _parse(text, ZmSyntax::kExpression, notation);
-  ZmStringList tokens;
-  tokenize(text, tokens);
-  return _parse(tokens, notation);
-}
-
-unsigned char ZmExpression::callbackparse(const ZmString& text) {
-  return _parse(text, ZmSyntax::kCallback, kInfix);
-}
-
-unsigned char ZmExpression::valueparse(const ZmString& text) {
-  return _parse(text, ZmSyntax::kValue, kInfix);
-}
-
-// Without a list: infix and postfix take the tokens as they come.
-bool ZmExpression::_parse(const ZmString& text, ZmSyntax syntax, int notation) {
-  ZmExpressionParser parser(*this);
-  ZmTokens in(zm_view(text), syntax);
-  for (std::string_view token; in.next(token);) {
-    if (notation == kPostfix) {
-      parser.postfix(token);
-    } else {
-      parser.infix(token);
-    }
-  }
-  return parser.finish();
-}
-
-unsigned char ZmExpression::_parse(ZmStringList& tokens, int notation) {
-  ZmExpressionParser parser(*this);
-  const int n = tokens.length();
-  for (int i = 0; i < n; ++i) {
-    ZmString& token = *tokens.get(notation == kPrefix ? n - 1 - i : i);
-    if (notation == kPrefix || notation == kPostfix) {
-      parser.postfix(zm_view(token));
-    } else if (parser.infix(zm_view(token))) {
-      token = "--";
-    }
-  }
-  return parser.finish();
-}
-
-int ZmExpression::precedence(const ZmString& op) { return zm_operator(zm_view(op))->precedence; }
-
-bool ZmExpression::_unary() const { return operator_ && operator_->unary(); }
+bool ZmExpression::_unary() const { return cache_.op && cache_.op->unary(); }
 
 bool ZmExpression::_known() const {
   if (value_.length() > 0) return true;
@@ -248,17 +176,12 @@ void ZmExpression::variables(ZmStringList& out) const {
   for (pending.push(this); !pending.empty();) {
     const ZmExpression* node = pending.pop();
     if (node->reference_ && node->name_.length() > 0 && node->reference_->variable(node->name_)) {
-      auto name = std::make_unique<ZmString>(node->name_);
-      if (out.push(name.get())) static_cast<void>(name.release());
+      zm_push(out, std::make_unique<ZmString>(node->name_));
     } else if (node->b_) {
       if (node->a_ && !node->_unary()) pending.push(node->a_);
       pending.push(node->b_);
     }
   }
-}
-
-void ZmExpression::eval(ZmScalar& result) {
-  if (!ZmEvaluation::recall(*this, result)) ZmEvaluation(*this).run(result);
 }
 
 void ZmExpression::display(int indent) const {

@@ -1,8 +1,7 @@
 #ifndef ZM_EXPRESSION_H
 #define ZM_EXPRESSION_H
 
-#include <cstdint>
-
+#include "ZmExpressionCache.h"
 #include "ZmPack.h"
 #include "ZmReference.h"
 #include "ZmScalar.h"
@@ -10,8 +9,7 @@
 #include "ZmStringHash.h"
 #include "ZmStringList.h"
 
-struct ZmOperator;
-enum class ZmSyntax;
+class ZmTokens;
 
 /// A parsed expression: a binary tree whose nodes are expressions themselves.
 ///
@@ -25,8 +23,8 @@ enum class ZmSyntax;
 /// shared ZmReference, else from a callback, else they are the names themselves; every node carries
 /// its callbacks and its hold on the reference. Expressions are never serialised. However deep a
 /// tree is, no operation needs more than constant stack. One thread at a time, for evaluation too:
-/// a tree remembers what its constants come to.
-class ZmExpression : public ZmPack {
+/// a leaf remembers what its text is as a number.
+class ZM_EXPORT ZmExpression : public ZmPack {
  public:
   /// Supplies the value of a variable in `out`, which comes fresh and empty; a text left alone
   /// reads as the empty string.
@@ -165,9 +163,9 @@ class ZmExpression : public ZmPack {
   /// @}
 
  private:
-  friend class ZmEvaluation;
-  friend class ZmExpressionParser;
-  enum Constant : unsigned char { kUnread, kInteger, kFloat, kString };
+  class Builder;     // of trees, for the parsers
+  class Infix;       // the parser of infix notation
+  class Evaluation;  // one eval() call
 
   template <class Node, class Visit>
   static void _each(Node* root, Visit visit);
@@ -175,9 +173,7 @@ class ZmExpression : public ZmPack {
   void _sources(const ZmExpression& other);
   void _fill(const ZmExpression& other);
   void _hold(ZmReference* reference);
-  void _operator(const ZmOperator* known);
-  void _changed();
-  bool _parse(const ZmString& text, ZmSyntax syntax, int notation);
+  bool _parse(ZmTokens& tokens, int notation);
   bool _unary() const;
   bool _known() const;
 
@@ -189,14 +185,7 @@ class ZmExpression : public ZmPack {
   ValueRequest valuereq_ = nullptr;
   ValidRequest validreq_ = nullptr;
   ZmReference* reference_ = nullptr;
-
-  // What can be known of a node before its evaluation; none of it shows.
-  const ZmOperator* operator_ = nullptr;  // what op_ names; null for the empty text
-  Constant constant_ = kUnread;           // kind of the leaf's own text, or of the folded tree
-  bool folded_ = false;                   // whether some folded tree contains the node
-  int integer_ = 0;                       // the constant, when it is an integer
-  float float_ = 0;                       // the constant, when it is a float
-  std::uint64_t foldedat_ = 0;            // when the tree below was folded
+  ZmExpressionCache cache_;
 };
 
 #endif

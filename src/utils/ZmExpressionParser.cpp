@@ -1,41 +1,128 @@
-#include "ZmExpressionParser.h"
-
+// The parsers of ZmExpression.
+#include <memory>
+#include <string_view>
 #include <utility>
+#include <vector>
 
+#include "ZmExpression.h"
+#include "ZmOperator.h"
+#include "ZmSplit.h"
 #include "ZmText.h"
 
-ZmExpressionParser::Node ZmExpressionParser::_node() const {
+namespace {
+
+constexpr int kInfix = 0, kPostfix = 1, kPrefix = 2;  // notations
+
+}  // namespace
+
+// Makes the nodes and keeps those that have no parent yet, in the order of the text. Lives for one
+// parse.
+class ZmExpression::Builder {
+ public:
+  // New nodes get the callbacks and the reference of the root.
+  explicit Builder(ZmExpression& root) : root_(root) {}
+
+  void leaf(std::string_view token);
+  // An inner node. What infix notation wrote last is b, and what is missing stays null.
+  void infix(const ZmOperator* op);
+  // The next token in postfix notation, or of prefix notation read from its end.
+  void postfix(std::string_view token);
+  // Puts the result into the root. True for exactly one tree.
+  bool finish();
+
+ private:
+  using Node = std::unique_ptr<ZmExpression>;
+
+  Node _node() const;
+  Node _inner(const ZmOperator* op) const;
+  ZmExpression* _pop();
+
+  ZmExpression& root_;
+  std::vector<Node> operands_;
+  bool missing_ = false;  // a second operand, in prefix and postfix notation
+};
+
+// Brings the tokens of infix notation into the order in which a tree is built, by operator
+// precedence.
+class ZmExpression::Infix {
+ public:
+  explicit Infix(Builder& tree) : tree_(tree) {}
+
+  // The next token. True when it was a unary minus.
+  bool take(std::string_view token);
+  void finish();
+
+ private:
+  void _operator(const ZmOperator* op);
+  void _close();
+  void _reduce();
+  bool _open() const { return operators_.back()->operation == ZmOperation::kOpen; }
+
+  Builder& tree_;
+  std::vector<const ZmOperator*> operators_;  // those whose operands are not known yet
+  bool operandexpected_ = true;
+};
+
+ZmExpression::Builder::Node ZmExpression::Builder::_node() const {
   auto node = std::make_unique<ZmExpression>();
   node->_sources(root_);
   return node;
 }
 
-// Null when there is none, which the infix parser takes as it is.
-ZmExpressionParser::Node ZmExpressionParser::_pop() {
+ZmExpression::Builder::Node ZmExpression::Builder::_inner(const ZmOperator* op) const {
+  Node node = _node();
+  zm_append(node->op_, op->name);
+  node->cache_.op = op;
+  return node;
+}
+
+// Null when there is none.
+ZmExpression* ZmExpression::Builder::_pop() {
   if (operands_.empty()) return nullptr;
-  Node node = std::move(operands_.back());
+  ZmExpression* node = operands_.back().release();
   operands_.pop_back();
   return node;
 }
 
-void ZmExpressionParser::_operand(std::string_view token) {
-  Node leaf = _node();
-  zm_append(leaf->name_, token);
-  operands_.push_back(std::move(leaf));
-  operandexpected_ = false;
-}
-
-void ZmExpressionParser::_reduce() {
-  const ZmOperator* op = operators_.back();
-  operators_.pop_back();
+void ZmExpression::Builder::leaf(std::string_view token) {
   Node node = _node();
-  node->_operator(op);
-  node->b_ = _pop().release();
-  if (!op->unary()) node->a_ = _pop().release();
+  zm_append(node->name_, token);
   operands_.push_back(std::move(node));
 }
 
-bool ZmExpressionParser::infix(std::string_view token) {
+void ZmExpression::Builder::infix(const ZmOperator* op) {
+  Node node = _inner(op);
+  node->b_ = _pop();
+  if (!op->unary()) node->a_ = _pop();
+  operands_.push_back(std::move(node));
+}
+
+// The first operand popped is a, so postfix has a binary operator's operands in reverse.
+void ZmExpression::Builder::postfix(std::string_view token) {
+  const ZmOperator* op = zm_operator(token);
+  if (!op->token) return leaf(token);
+  Node node = _inner(op);
+  node->a_ = _pop();
+  if (!op->unary()) {
+    node->b_ = _pop();
+    if (!node->b_) missing_ = true;
+  }
+  operands_.push_back(std::move(node));
+}
+
+bool ZmExpression::Builder::finish() {
+  if (operands_.empty()) return false;
+  ZmExpression& first = *operands_.front();
+  root_.op_ = first.op_;
+  root_.a_ = std::exchange(first.a_, nullptr);
+  root_.b_ = std::exchange(first.b_, nullptr);
+  root_.value_ = first.value_;
+  root_.name_ = first.name_;
+  root_.cache_ = {first.cache_.op, {}};
+  return operands_.size() == 1 && !missing_;
+}
+
+bool ZmExpression::Infix::take(std::string_view token) {
   const ZmOperator* op = zm_operator(token);
   if (op->operation == ZmOperation::kOpen) {
     operators_.push_back(op);
@@ -48,51 +135,87 @@ bool ZmExpressionParser::infix(std::string_view token) {
   } else if (op->token && (!operandexpected_ || op->unary())) {
     _operator(op);
   } else {
-    _operand(token);
+    tree_.leaf(token);
+    operandexpected_ = false;
   }
   return false;
 }
 
+void ZmExpression::Infix::_reduce() {
+  tree_.infix(operators_.back());
+  operators_.pop_back();
+}
+
 // A ")" without its "(" closes all.
-void ZmExpressionParser::_close() {
-  while (!operators_.empty() && operators_.back()->operation != ZmOperation::kOpen) _reduce();
+void ZmExpression::Infix::_close() {
+  while (!operators_.empty() && !_open()) _reduce();
   if (!operators_.empty()) operators_.pop_back();
   operandexpected_ = false;
 }
 
-// Only strictly stronger operators are reduced, so equals group to the right.
-void ZmExpressionParser::_operator(const ZmOperator* op) {
-  while (!operators_.empty() && operators_.back()->operation != ZmOperation::kOpen &&
-         operators_.back()->precedence > op->precedence)
+// Only strictly stronger operators are reduced, so equals group to the right: stored expressions
+// rely on it.
+void ZmExpression::Infix::_operator(const ZmOperator* op) {
+  while (!operators_.empty() && !_open() && operators_.back()->precedence > op->precedence)
     _reduce();
   operators_.push_back(op);
   operandexpected_ = true;
 }
 
-// The first operand popped is a, so postfix has a binary operator's operands in reverse.
-void ZmExpressionParser::postfix(std::string_view token) {
-  const ZmOperator* op = zm_operator(token);
-  if (!op->token) return _operand(token);
-  Node node = _node();
-  node->_operator(op);
-  node->a_ = _pop().release();
-  if (!op->unary()) {
-    node->b_ = _pop().release();
-    if (!node->b_) missing_ = true;
-  }
-  operands_.push_back(std::move(node));
+// An unmatched "(" becomes a binary node.
+void ZmExpression::Infix::finish() {
+  while (!operators_.empty()) _reduce();
 }
 
-bool ZmExpressionParser::finish() {
-  while (!operators_.empty()) _reduce();  // an unmatched "(" becomes a binary node
-  if (operands_.empty()) return false;
-  ZmExpression& first = *operands_.front();
-  root_._changed();
-  root_.op_ = first.op_;
-  root_.operator_ = first.operator_;
-  root_.a_ = std::exchange(first.a_, nullptr);
-  root_.b_ = std::exchange(first.b_, nullptr);
-  root_.value_ = first.value_;
-  root_.name_ = first.name_;
-  return operands_.size() == 1 && !missing_;
+// Without a list: infix and postfix take the tokens as they come.
+bool ZmExpression::_parse(ZmTokens& tokens, int notation) {
+  Builder tree(*this);
+  Infix infix(tree);
+  for (std::string_view token; tokens.next(token);) {
+    if (notation == kPostfix) {
+      tree.postfix(token);
+    } else {
+      infix.take(token);
+    }
+  }
+  infix.finish();
+  return tree.finish();
 }
+
+unsigned char ZmExpression::_parse(ZmStringList& tokens, int notation) {
+  Builder tree(*this);
+  Infix infix(tree);
+  const int n = tokens.length();
+  for (int i = 0; i < n; ++i) {
+    ZmString& token = *tokens.get(notation == kPrefix ? n - 1 - i : i);
+    if (notation == kPrefix || notation == kPostfix) {
+      tree.postfix(zm_view(token));
+    } else if (infix.take(zm_view(token))) {
+      token = "--";
+    }
+  }
+  infix.finish();
+  return tree.finish();
+}
+
+unsigned char ZmExpression::parse(const ZmString& text, int notation) {
+  if (notation == kPrefix) {
+    ZmStringList tokens;
+    tokenize(text, tokens);
+    return _parse(tokens, notation);
+  }
+  ZmTokens tokens(zm_view(text), ZmSyntax::kExpression);
+  return _parse(tokens, notation);
+}
+
+unsigned char ZmExpression::callbackparse(const ZmString& text) {
+  ZmTokens tokens(zm_view(text), ZmSyntax::kCallback);
+  return _parse(tokens, kInfix);
+}
+
+unsigned char ZmExpression::valueparse(const ZmString& text) {
+  ZmTokens tokens(zm_view(text), ZmSyntax::kValue);
+  return _parse(tokens, kInfix);
+}
+
+int ZmExpression::precedence(const ZmString& op) { return zm_operator(zm_view(op))->precedence; }

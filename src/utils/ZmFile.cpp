@@ -1,5 +1,6 @@
 #include "ZmFile.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utime.h>
@@ -7,7 +8,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <memory>
 #include <string_view>
 
 #include "ZmFileReader.h"
@@ -17,16 +17,21 @@ namespace {
 
 constexpr int kName = 0, kData = 1, kSource = 2;  // tags of the record
 
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
 // False only when the file can't be opened in this mode: callers learn nothing of a full disk.
 bool put(const ZmString& path, const char* mode, const ZmString& text) {
-  const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.value(), mode));
+  const ZmOpenFile file(std::fopen(path.value(), mode));
   if (!file) return false;
   std::fwrite(text.value(), 1, static_cast<std::size_t>(text.length()), file.get());
   return true;
+}
+
+// Whether the file, which is created when missing, opens for writing. Opening a pipe must not wait
+// for its reader.
+bool opens(const ZmString& path, int how) {
+  const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | how;
+  const int fd = ::open(path.value(), flags, 0666);
+  if (fd >= 0) ::close(fd);
+  return fd >= 0;
 }
 
 // All zero when there is none.
@@ -82,6 +87,7 @@ int ZmFile::loadpos(const ZmString& path, long long pos, ZmString& out) {
   return loadpos(path, pos, -1, out);
 }
 
+// By a stream, whose idea of the position after the end was met is the contract.
 int ZmFile::loadpos(const ZmString& path, long long pos, int len, ZmString& out) {
   if (!exists(path)) return -1;
   std::ifstream in(path.value(), std::ios::binary);
@@ -106,7 +112,7 @@ void ZmFile::append(const ZmString& path, const ZmString& text) { put(path, "a",
 
 unsigned char ZmFile::exists(const ZmString& path) { return zm_regular_file(path); }
 
-unsigned char ZmFile::writable(const ZmString& path) { return put(path, "a", ZmString()); }
+unsigned char ZmFile::writable(const ZmString& path) { return opens(path, O_APPEND); }
 
 long long ZmFile::size(const ZmString& path) { return status(path).st_size; }
 
@@ -114,14 +120,16 @@ std::time_t ZmFile::modified(const ZmString& path) { return status(path).st_mtim
 
 unsigned char ZmFile::remove(const ZmString& path) { return ::unlink(path.value()) == 0; }
 
+// The times are tried whatever became of the file: it may be a directory or a pipe.
 unsigned char ZmFile::touch(const ZmString& path) {
-  if (!exists(path)) put(path, "w", ZmString());
+  if (!exists(path)) opens(path, O_TRUNC);
   const std::time_t now = std::time(nullptr);
   const utimbuf times{now, now};
   ::utime(path.value(), &times);
   return 1;
 }
 
+// Placeholders: files have no such flag here.
 unsigned char ZmFile::hidden(const ZmString&) { return 0; }
 
 unsigned char ZmFile::clearhidden(const ZmString&) { return 0; }
@@ -151,6 +159,6 @@ ZmString ZmFile::uniquefile() {
   name += "u";
   name += _file_unique;
   name += ".tmp";
-  _file_unique = static_cast<int>(static_cast<unsigned>(_file_unique) + 1);
+  _file_unique = static_cast<int>(static_cast<unsigned>(_file_unique) + 1);  // wraps
   return name;
 }

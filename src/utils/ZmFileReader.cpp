@@ -4,8 +4,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <new>
+#include <utility>
 
 namespace {
 
@@ -25,6 +28,7 @@ class Descriptor {
   int fd_;
 };
 
+// A signal that the program handles is no reason to lose the rest of a file.
 ssize_t retried(int fd, char* to, std::size_t size) {
   ssize_t n = -1;
   do {
@@ -45,21 +49,29 @@ bool zm_read_file(const ZmString& path, ZmString& text) {
   const Descriptor file(::open(path.value(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   struct stat status {};
   if (file.get() < 0 || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
-  text.clear();
+  // What can't fit is not read in vain; a file that grows meanwhile fails in append().
+  if (status.st_size >= INT_MAX) throw std::bad_alloc();
+  // Apart, so that the caller's text stays as it is until nothing can fail any more.
+  ZmString whole;
+  whole.secure_ = text.secure_;
   // The room that growth would come to, at once. A file that reports no size, as those of /proc do,
   // is read all the same.
-  if (status.st_size >= text.size_ && status.st_size < INT_MAX / 4)
-    text._resize(static_cast<int>(status.st_size + 1) * 4);
-  for (;;) {
-    if (text.size_ - text.length_ < 2) {
+  const long long room = (static_cast<long long>(status.st_size) + 1) * 4;
+  whole._resize(static_cast<int>(std::min<long long>(room, INT_MAX)));
+  ssize_t n = 0;
+  do {
+    if (whole._size() - whole.length_ < 2) {
       const char none[kBlock] = {};
-      text.append(none, kBlock);
-      text.length_ -= kBlock;
+      whole.append(none, kBlock);
+      whole.length_ -= kBlock;
     }
-    const auto room = static_cast<std::size_t>(text.size_ - text.length_ - 1);
-    const ssize_t n = retried(file.get(), text.buffer_ + text.length_, room);
-    if (n > 0) text.length_ += static_cast<int>(n);
-    text.buffer_[text.length_] = 0;
-    if (n <= 0 || text.length_ == status.st_size) return true;
-  }
+    const auto left = static_cast<std::size_t>(whole._size() - whole.length_ - 1);
+    n = retried(file.get(), whole._text() + whole.length_, left);
+    if (n > 0) whole.length_ += static_cast<int>(n);
+  } while (n > 0 && whole.length_ != status.st_size);
+  whole._text()[whole.length_] = 0;
+  std::swap(text.buffer_, whole.buffer_);
+  std::swap(text.length_, whole.length_);
+  std::swap(text.place_, whole.place_);
+  return true;
 }

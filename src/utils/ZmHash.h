@@ -15,10 +15,11 @@
 ///
 /// Its record: tag 1, int, the number of entries; then for each entry in key order of the hash tag
 /// 10, text, the key, and tag 30 the value, a text for strings and a nested pack for pack-derived
-/// values. Unpacking sets what the record holds on top of what the hash holds. Its XML form: one
-/// "item" element with the key for each entry, sorted by the keys' bytes.
+/// values. Unpacking sets what the record holds on top of what the hash holds. A record has every
+/// entry: of two of one key it may bring back the one that lookups did not find. The XML form has
+/// those that get() finds: one "item" element each, with the key, sorted by the keys' bytes.
 template <class T>
-class ZmHash : public ZmBaseHash<T>, public ZmPack {
+class ZM_EXPORT ZmHash : public ZmBaseHash<T>, public ZmPack {
  public:
   ZmHash() = default;                                              ///< Empty.
   ZmHash(const ZmHash& other) : ZmBaseHash<T>(other), ZmPack() {}  ///< A deep copy.
@@ -41,31 +42,32 @@ class ZmHash : public ZmBaseHash<T>, public ZmPack {
       }
     });
   }
-  /// Reads the count, and with it the keys and values of as many entries as follow.
+  /// Reads the count, and with it the keys and values of as many entries as follow. A field that is
+  /// none stands for an empty one; one that can't be read ends the entries.
   void decode() override {
     int count = 0;
     restore(kCount, count);
     if (!_consumed()) return;
     for (int i = 0; i < count && _next(); ++i) {
       auto key = std::make_unique<ZmString>();
-      restore(kKey, *key);
-      const bool keyed = _consumed();
-      _yank();
-      if (!_next()) break;
       auto value = std::make_unique<T>();
-      restore(kValue, *value);
-      const bool valued = _consumed();
-      _yank();
-      if (keyed && valued) this->set(value.release(), key.release());
+      if (!_element(kKey, *key) || !_next() || !_element(kValue, *value)) break;
+      this->set(value.get(), key.get());
+      static_cast<void>(value.release());
+      static_cast<void>(key.release());
     }
   }
-  /// Stores all entries in the order of their keys, whatever their slots; a null value as a new T.
+  /// Stores the entries that get() finds, in the order of their keys, whatever their slots; a null
+  /// value as a new T.
   void encodeXML() override {
     std::vector<std::pair<ZmString*, T*>> entries;
-    this->_table().each([&entries](ZmString* key, void* value) {
+    this->_table().each_found([&entries](ZmString* key, void* value) {
       entries.emplace_back(key, static_cast<T*>(value));
     });
-    std::ranges::stable_sort(entries, {}, [](const auto& entry) { return zm_view(*entry.first); });
+    const auto before = [](const auto& a, const auto& b) {
+      return zm_view(*a.first) < zm_view(*b.first);
+    };
+    std::stable_sort(entries.begin(), entries.end(), before);
     for (const auto& [key, value] : entries) {
       if (value) {
         _storeItem(key, *value);

@@ -12,7 +12,7 @@
 /// for strings and a nested pack for pack-derived elements. Unpacking appends what the record holds
 /// to the list. Its XML form: one "item" element for each element in order.
 template <class T>
-class ZmList : public ZmBaseList<T>, public ZmPack {
+class ZM_EXPORT ZmList : public ZmBaseList<T>, public ZmPack {
  public:
   ZmList() = default;                                              ///< Empty.
   ZmList(const ZmList& other) : ZmBaseList<T>(other), ZmPack() {}  ///< A deep copy.
@@ -26,16 +26,16 @@ class ZmList : public ZmBaseList<T>, public ZmPack {
     store(kCount, this->length());
     for (int i = 0; i < this->length(); ++i) store(kElement, *this->get(i));
   }  ///< Stores all elements.
-  /// Reads the count, and with it as many elements as follow.
+  /// Reads the count, and with it as many elements as follow. A field that is none stands for an
+  /// empty one; one that can't be read ends the elements.
   void decode() override {
     int count = 0;
     restore(kCount, count);
     if (!_consumed()) return;
     for (int i = 0; i < count && _next(); ++i) {
       auto element = std::make_unique<T>();
-      restore(kElement, *element);
-      if (_consumed() && this->push(element.get())) element.release();
-      _yank();
+      if (!_element(kElement, *element)) break;
+      if (this->push(element.get())) static_cast<void>(element.release());
     }
   }
   void encodeXML() override {
@@ -49,9 +49,9 @@ class ZmList : public ZmBaseList<T>, public ZmPack {
     }
   }
 
- private:
-  static constexpr int kCount = 1;
-  static constexpr int kElement = 10;
+ protected:
+  static constexpr int kCount = 1;     ///< The tag of the number of elements.
+  static constexpr int kElement = 10;  ///< The tag of an element.
 };
 
 #endif

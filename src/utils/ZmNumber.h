@@ -2,6 +2,8 @@
 #ifndef ZM_NUMBER_H
 #define ZM_NUMBER_H
 
+#include <locale.h>
+
 #include <charconv>
 #include <cstdint>
 #include <string_view>
@@ -25,15 +27,20 @@ inline ZmDigits zm_digits(ZmCursor& in) {
   return digits;
 }
 
-// The printf forms "%d", "%lld" and "%f" of a number, held in the object itself.
+// A program may have set a locale with another decimal point; texts keep theirs.
+inline locale_t zm_plain_locale() {
+  static const locale_t plain = ::newlocale(LC_ALL_MASK, "C", nullptr);
+  return plain;
+}
+
+// The printf forms "%d", "%lld" and "%f" ("%g" in the general format) of a number in the "C"
+// locale, held in the object itself.
 class ZmNumberText {
  public:
   explicit ZmNumberText(int value) : end_(std::to_chars(text_, text_ + kSize, value).ptr) {}
   explicit ZmNumberText(long long value) : end_(std::to_chars(text_, text_ + kSize, value).ptr) {}
-  explicit ZmNumberText(float value)
-      : end_(std::to_chars(text_, text_ + kSize, static_cast<double>(value),
-                           std::chars_format::fixed, 6)
-                 .ptr) {}
+  explicit ZmNumberText(float value, std::chars_format format = std::chars_format::fixed)
+      : end_(std::to_chars(text_, text_ + kSize, static_cast<double>(value), format, 6).ptr) {}
   std::string_view view() const { return {text_, static_cast<std::size_t>(end_ - text_)}; }
 
  private:

@@ -64,6 +64,7 @@ constexpr auto kTable = [] {
 
 }  // namespace
 
+// Asked for every token of every text that is parsed, so it must neither allocate nor compare much.
 const ZmOperator* zm_operator(std::string_view name) {
   if (name.empty() || name.size() > kLongest) return &kUnknown;
   for (std::size_t at = slot(name); kTable[at] != 0; at = (at + 1) % kSlots) {

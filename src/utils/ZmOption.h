@@ -7,7 +7,7 @@
 /// One option that a ZmParam knows, and what the command line said about it.
 ///
 /// A value class. Its record is empty: an option describes one run and is not stored.
-class ZmOption : public ZmPack {
+class ZM_EXPORT ZmOption : public ZmPack {
  public:
   /// Tag 0, without name and value, not given.
   ZmOption() = default;

@@ -5,7 +5,7 @@
 #include "ZmOption.h"
 
 /// A list of options.
-class ZmOptionList : public ZmList<ZmOption> {
+class ZM_EXPORT ZmOptionList : public ZmList<ZmOption> {
  public:
   int type() const override { return 54; }                     ///< The type code.
   ZmString typeXML() const override { return "option_list"; }  ///< The XML element name.

@@ -12,7 +12,6 @@
 
 #include "ZmBigEndian.h"
 #include "ZmFileReader.h"
-#include "ZmMemory.h"
 
 namespace {
 
@@ -22,17 +21,6 @@ constexpr int kDeepest = 1000;  // packs within packs that are read, so that the
 
 enum Code { kInt = 1, kChar, kText, kNested, kFloat, kByte, kLong };
 
-struct ReleaseBuffer {
-  void operator()(unsigned char* buffer) const {
-    zm_release(buffer, static_cast<std::size_t>(capacity));
-  }
-  int capacity;
-};
-
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
 }  // namespace
 
 ZmPack& ZmPack::operator=(const ZmPack& other) {
@@ -40,32 +28,29 @@ ZmPack& ZmPack::operator=(const ZmPack& other) {
   return *this;
 }
 
-void ZmPack::_clear() noexcept {
-  zm_release(buffer_, static_cast<std::size_t>(capacity_));
-  buffer_ = nullptr;
-  cursor_ = nullptr;
-  used_ = 0;
-  capacity_ = 0;
+ZmPack::State& ZmPack::_state() {
+  if (!state_) state_ = std::make_unique<State>();
+  return *state_;
 }
 
 // --- writing ---
 
 unsigned char* ZmPack::_room(long long n) {
-  const long long need = used_ + n;
-  if (need > capacity_) _grow(need);
-  unsigned char* at = buffer_ + used_;
-  used_ = static_cast<int>(need);
+  const long long need = _state().used + n;
+  if (need > state_->capacity) _grow(need);
+  unsigned char* at = state_->buffer.get() + state_->used;
+  state_->used = static_cast<int>(need);
   return at;
 }
 
 void ZmPack::_grow(long long need) {
   if (need > INT_MAX) throw std::bad_alloc();
+  State& to = *state_;
   const int capacity = need > (INT_MAX - 16) / 4 ? INT_MAX : static_cast<int>(need * 4 + 16);
-  auto* buffer = static_cast<unsigned char*>(zm_allocate(static_cast<std::size_t>(capacity)));
-  if (used_ > 0) std::memcpy(buffer, buffer_, static_cast<std::size_t>(used_));
-  zm_release(buffer_, static_cast<std::size_t>(capacity_));
-  buffer_ = buffer;
-  capacity_ = capacity;
+  std::unique_ptr<unsigned char[]> buffer(new unsigned char[static_cast<std::size_t>(capacity)]);
+  if (to.used > 0) std::memcpy(buffer.get(), to.buffer.get(), static_cast<std::size_t>(to.used));
+  to.buffer = std::move(buffer);
+  to.capacity = capacity;
 }
 
 void ZmPack::_store(const void* bytes, int n) {
@@ -106,49 +91,40 @@ void ZmPack::store(int tag, const char* value) {
   _store(value, static_cast<int>(n));
 }
 
-void ZmPack::_swap(ZmPack& other) noexcept {
-  std::swap(other.buffer_, buffer_);
-  std::swap(other.used_, used_);
-  std::swap(other.capacity_, capacity_);
-}
-
 void ZmPack::store(int tag, ZmPack& value) {
   if (&value == this) return;
-  unsigned char* head = _field(tag, kNested, 8);
-  zm_put_big_endian(head, value.type());
-  const int from = used_;
-  // The nested object writes straight into this buffer, lent to it meanwhile.
-  value._clear();
-  _swap(value);
-  value.encode();
-  _swap(value);
-  zm_put_big_endian(buffer_ + from - 4, used_ - from);
+  zm_put_big_endian(_field(tag, kNested, 8), value.type());
+  const int from = state_->used;
+  _lend(value, [&value] { value.encode(); });
+  zm_put_big_endian(state_->buffer.get() + from - 4, state_->used - from);
 }
 
 void ZmPack::_debug_print() const {
   constexpr int kLine = 16;  // bytes of a line
-  std::cout << "ZmPack:\n\tsize: " << capacity_ << "\n\tlength: " << used_ << "\n\tdata:";
-  for (int i = 0; buffer_ && i < used_; ++i) {
+  std::cout << "ZmPack:\n\tsize: " << (state_ ? state_->capacity : 0)
+            << "\n\tlength: " << packSize() << "\n\tdata:";
+  for (int i = 0; i < packSize(); ++i) {
     ZmString byte(i % kLine == 0 ? "\n\t\t" : " ");
-    byte.hexvalue(static_cast<char>(buffer_[i]));
+    byte.hexvalue(packContents()[i]);
     std::cout << byte;
   }
   std::cout << '\n';
 }
 
 void ZmPack::pack() {
-  used_ = 0;  // the room of the record before serves again
+  _state().used = 0;  // the room of the record before serves again
   zm_put_big_endian(_room(4), kVersion);
   encode();
 }
 
 int ZmPack::archive(const ZmString& path) {
-  std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.value(), "wb"));
+  ZmOpenFile file(std::fopen(path.value(), "wb"));
   if (!file) return 0;
+  std::setvbuf(file.get(), nullptr, _IONBF, 0);  // what is written has then left the stream
   pack();
-  const std::size_t size = std::fwrite(buffer_, 1, static_cast<std::size_t>(used_), file.get());
+  const auto used = static_cast<std::size_t>(packSize());
+  const std::size_t size = std::fwrite(packContents(), 1, used, file.get());
   _clear();
-  // What a full disk has no room for may show only when the last bytes leave the stream.
   return std::fclose(file.release()) == 0 ? static_cast<int>(size) : 0;
 }
 
@@ -157,16 +133,13 @@ int ZmPack::archive(const ZmString& path) {
 int ZmPack::unpack(const char* data, int length) {
   if (!data || length < 4) return 1;
   // The record may stand in this object's own buffer, which therefore lives until it is read.
-  const std::unique_ptr<unsigned char, ReleaseBuffer> own(std::exchange(buffer_, nullptr),
-                                                          ReleaseBuffer{capacity_});
-  _clear();
+  const std::unique_ptr<State> own = std::move(state_);
   const auto* bytes = reinterpret_cast<const unsigned char*>(data);
   if (zm_get_big_endian<int>(bytes) != kVersion) return 3;
   if (length == 4) return 2;
-  cursor_ = bytes + 4;
-  used_ = length - 4;
-  depth_ = 0;
+  _state().at = {bytes + 4, length - 4};
   _fields();
+  _clear();
   return 0;
 }
 
@@ -181,35 +154,33 @@ void ZmPack::_fields() {
     decode();
     _yank();
   }
-  cursor_ = nullptr;
-  used_ = 0;
-  code_ = 0;  // no field is left that restore() could take
 }
 
 bool ZmPack::_next() {
-  if (used_ < kHeader) return false;
+  if (!state_ || state_->at.left < kHeader) return false;
   const unsigned char* header = _bytes(kHeader);
-  tag_ = zm_get_big_endian<std::int16_t>(header);
-  code_ = zm_get_big_endian<std::uint16_t>(header + 2);
-  consumed_ = 0;
+  state_->at.tag = zm_get_big_endian<std::int16_t>(header);
+  state_->at.code = zm_get_big_endian<std::uint16_t>(header + 2);
+  state_->at.consumed = false;
   return true;
 }
 
 const unsigned char* ZmPack::_bytes(int n) {
-  const unsigned char* bytes = n >= 0 && n <= used_ ? cursor_ : nullptr;
-  const int taken = bytes ? n : used_;
-  cursor_ += taken;
-  used_ -= taken;
+  Place& at = state_->at;
+  const unsigned char* bytes = n >= 0 && n <= at.left ? at.cursor : nullptr;
+  const int taken = bytes ? n : at.left;
+  at.cursor += taken;
+  at.left -= taken;
   return bytes;
 }
 
 template <class T>
 bool ZmPack::_take(int tag, int code, T& value) {
-  if (consumed_ || tag_ != tag || code_ != code) return false;
+  if (!state_ || _consumed() || _tag() != tag || _code() != code) return false;
   const unsigned char* bytes = _bytes(sizeof(T));
   if (!bytes) return false;
   value = zm_get_big_endian<T>(bytes);
-  consumed_ = 1;
+  state_->at.consumed = true;
   return true;
 }
 
@@ -228,33 +199,33 @@ void ZmPack::restore(int tag, ZmString& value) {
   int length = 0;
   if (!_take(tag, kText, length)) return;
   const unsigned char* bytes = _bytes(length);
-  consumed_ = bytes != nullptr;
+  state_->at.consumed = bytes != nullptr;
   if (!bytes) return;
-  if (value.isundef() && length > 0) value._resize(length + 1);  // no room to grow
-  value.copy(reinterpret_cast<const char*>(bytes), length);
+  const auto* text = reinterpret_cast<const char*>(bytes);
+  if (value.isundef()) return value._fit(text, length);  // mostly to stay as it is
+  value.copy(text, length);
 }
 
 void ZmPack::restore(int tag, ZmPack& value) {
   int type = 0;
   if (&value == this || !_take(tag, kNested, type)) return;
-  const bool fits = type == value.type() && depth_ < kDeepest;
+  const bool fits = type == value.type() && state_->depth < kDeepest;
   const unsigned char* size = fits ? _bytes(4) : nullptr;
   const int length = size ? zm_get_big_endian<int>(size) : -1;
   const unsigned char* fields = _bytes(length);
-  consumed_ = fields != nullptr;
+  state_->at.consumed = fields != nullptr;
   if (!fields) return;
-  value._clear();
-  value.cursor_ = fields;
-  value.used_ = length;
-  value.depth_ = static_cast<short>(depth_ + 1);
-  value._fields();
-  value.depth_ = 0;
+  const Place behind = std::exchange(state_->at, {fields, length});
+  _lend(value, [&value] { value._fields(); });
+  state_->at = behind;
 }
 
 bool ZmPack::_offers(int tag, const ZmPack& value) const {
-  if (consumed_ || tag_ != tag || code_ != kNested || used_ < 8 || depth_ >= kDeepest) return false;
-  const int length = zm_get_big_endian<int>(cursor_ + 4);
-  return zm_get_big_endian<int>(cursor_) == value.type() && length >= 0 && length <= used_ - 8;
+  if (_consumed() || _tag() != tag || _code() != kNested) return false;
+  const Place& at = state_->at;
+  if (at.left < 8 || state_->depth >= kDeepest) return false;
+  const int length = zm_get_big_endian<int>(at.cursor + 4);
+  return zm_get_big_endian<int>(at.cursor) == value.type() && length >= 0 && length <= at.left - 8;
 }
 
 void ZmPack::trashObj(int tag) {
@@ -265,25 +236,25 @@ void ZmPack::trashObj(int tag) {
 }
 
 void ZmPack::_yank() {
-  if (consumed_) return;
-  switch (code_) {
+  if (!state_ || _consumed()) return;
+  switch (_code()) {
     case kInt:
     case kFloat:
-      consumed_ = _bytes(4) != nullptr;
+      state_->at.consumed = _bytes(4) != nullptr;
       break;
     case kNested:
-      trashObj(tag_);
+      trashObj(_tag());
       break;
     case kText: {
       int length = 0;
-      if (_take(tag_, kText, length)) _bytes(length);
+      if (_take(_tag(), kText, length)) _bytes(length);
       break;
     }
     case kChar:
     case kByte:
-      consumed_ = _bytes(1) != nullptr;
+      state_->at.consumed = _bytes(1) != nullptr;
       break;
     default:  // a 64-bit field that nobody took ends the record: readers rely on it
-      _bytes(used_);
+      _bytes(state_->at.left);
   }
 }

@@ -2,6 +2,7 @@
 #define ZM_PACK_H
 
 #include <memory>
+#include <utility>
 
 #include "ZmBase.h"
 #include "ZmString.h"
@@ -58,12 +59,12 @@ class ZmPackObj;
 ///   attributes are ignored, and so is text beside elements.
 ///
 /// Copies start with an empty buffer of their own. One thread at a time.
-class ZmPack : public ZmBase {
+class ZM_EXPORT ZmPack : public ZmBase {
  public:
   ZmPack() = default;                      ///< Without a buffer.
   ZmPack(const ZmPack&) : ZmBase() {}      ///< The buffer is not copied.
   ZmPack& operator=(const ZmPack& other);  ///< Empties this object's buffer.
-  ~ZmPack() override { _clear(); }         ///< Slot 0.
+  ~ZmPack() override = default;            ///< Slot 0.
   virtual int type() const { return 71; }  ///< Slot 1. The type code.
   virtual void encode() = 0;               ///< Slot 2. Stores every member.
   virtual void decode() = 0;               ///< Slot 3. Restores every member; once per field.
@@ -75,12 +76,16 @@ class ZmPack : public ZmBase {
   /// @{
   void pack();  ///< Makes the object's record in the buffer.
   /// The record made by pack(), packSize() bytes, lent until the next change; null when empty.
-  const char* packContents() const { return reinterpret_cast<const char*>(buffer_); }
-  int packSize() const { return used_; }  ///< Bytes of the record.
+  const char* packContents() const {
+    return state_ ? reinterpret_cast<const char*>(state_->buffer.get()) : nullptr;
+  }
+  int packSize() const { return state_ ? state_->used : 0; }  ///< Bytes of the record.
   /// Reads a record of `length` bytes, which may be this object's own: 0 done, 1 shorter than a
   /// version word, 2 nothing behind it, 3 another version. Empties the buffer, but for result 1.
   int unpack(const char* data, int length);
-  /// Packs into a file. The number of bytes written, or 0 when it can't be opened or closed.
+  /// Packs into a file and empties the buffer. The number of bytes written, or 0 when the file
+  /// can't be opened or closed. A full disk takes fewer bytes than the record has: pack() first,
+  /// and compare with packSize().
   int archive(const ZmString& path);
   /// Unpacks a file. The number of bytes read, or 0 when it is no readable regular file or
   /// unpack() failed.
@@ -174,9 +179,9 @@ class ZmPack : public ZmBase {
   static std::unique_ptr<ZmString> _takeItem(ZmPackObj& item, const ZmString*);
   /// The item as a new pack.
   template <class T>
-  static std::unique_ptr<T> _takeItem(ZmPackObj& item, const T*) {
+  std::unique_ptr<T> _takeItem(ZmPackObj& item, const T*) {
     auto value = std::make_unique<T>();
-    value->_decodeXML(item);
+    _lend(*value, [&] { value->_decodeXML(item); });
     return value;
   }
   /// @}
@@ -185,16 +190,43 @@ class ZmPack : public ZmBase {
   /// @{
   bool _next();  ///< Reads a field header; false when none is left.
   void _yank();  ///< Skips the current field unless it was taken.
+  /// Restores a value and skips the field when it is another; false when it can't be read.
+  template <class T>
+  bool _element(int tag, T& value) {
+    restore(tag, value);
+    if (!_consumed() && !(state_ && state_->at.left > 0)) return false;
+    _yank();
+    return true;
+  }
   /// Whether restore(tag, value) would take the current field.
   bool _offers(int tag, const ZmPack& value) const;
-  int _tag() const { return tag_; }    ///< Tag of the current field.
-  int _code() const { return code_; }  ///< Type code of the current field.
+  int _tag() const { return state_ ? state_->at.tag : 0; }    ///< Tag of the current field.
+  int _code() const { return state_ ? state_->at.code : 0; }  ///< Type code of the current field.
   /// Whether the current field was taken.
-  bool _consumed() const { return consumed_; }
+  bool _consumed() const { return state_ && state_->at.consumed; }
   /// @}
 
  private:
-  void _clear() noexcept;
+  // A place in a record that is read, or in the parsed tree of an XML text.
+  struct Place {
+    const unsigned char* cursor = nullptr;  // the next byte
+    int left = 0;                           // bytes from there on
+    int code = 0;
+    short tag = 0;
+    bool consumed = false;
+    ZmPackObj* element = nullptr;  // of XML; null while a record is read
+  };
+  // What packing and unpacking need.
+  struct State {
+    std::unique_ptr<unsigned char[]> buffer;
+    int used = 0;  // bytes in the buffer
+    int capacity = 0;
+    int depth = 0;  // levels around what is written or read
+    Place at;
+  };
+
+  void _clear() noexcept { state_.reset(); }
+  State& _state();
   void _store(const void* bytes, int n);  // appends; n <= 0 nothing
   unsigned char* _room(long long n);      // n more bytes in use, to be written
   void _grow(long long need);
@@ -206,28 +238,25 @@ class ZmPack : public ZmBase {
   const unsigned char* _bytes(int n);  // consumes n bytes of payload, or the rest and null
   void _fields();                      // decode() for each field, then yank
   void _decodeXML(ZmPackObj& element);
-  void _swap(ZmPack& other) noexcept;  // lends the buffer to a nested pack, or takes it back
+  // The nested object works with this one's state, lent to it meanwhile.
+  template <class Work>
+  void _lend(ZmPack& value, Work work) {
+    value.state_ = std::move(state_);
+    ++value.state_->depth;
+    work();
+    state_ = std::move(value.state_);
+    --_state().depth;
+  }
 
-  static constexpr int kElement = -1;  // in code_: an element is decoded, not a record
-  struct Writer;                       // of XML
-  ZmPackObj* _element() const { return code_ == kElement ? element_ : nullptr; }
+  struct Writer;  // of XML
+  ZmPackObj* _xml() const { return state_ ? state_->at.element : nullptr; }
   const ZmString* _text(const ZmString& name) const;  // of the member's element; null: none
   template <class T>
   void _numberXML(const ZmString& name, T value);
   template <class T>
   void _takeXML(const ZmString& name, T& value) const;
 
-  unsigned char* buffer_ = nullptr;
-  union {
-    const unsigned char* cursor_ = nullptr;  // next byte while decoding
-    ZmPackObj* element_;                     // the same of XML, while code_ is kElement
-  };
-  int used_ = 0;  // bytes in the buffer; while decoding, bytes left
-  int capacity_ = 0;
-  short tag_ = 0;
-  int code_ = 0;
-  unsigned char consumed_ = 0;
-  short depth_ = 0;  // levels around what is written or read
+  std::unique_ptr<State> state_;  // null but while something is packed or unpacked
 };
 
 #endif

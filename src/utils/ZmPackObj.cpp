@@ -80,11 +80,6 @@ ZmPackObj* ZmPackObj::_indexed(const ZmString& name) const {
   return index_->get(name);
 }
 
-const ZmString& ZmPackObj::_unnamed() {
-  static const ZmString none;
-  return none;
-}
-
 void ZmPackObj::name(std::shared_ptr<const ZmString> name) { name_ = std::move(name); }
 void ZmPackObj::key(std::unique_ptr<ZmString> key) { key_ = std::move(key); }
 void ZmPackObj::text(std::unique_ptr<ZmString> text) { text_ = std::move(text); }

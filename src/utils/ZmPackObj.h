@@ -5,6 +5,7 @@
 
 #include "ZmBase.h"
 #include "ZmString.h"
+#include "ZmText.h"
 
 class ZmPackObjHash;
 class ZmPackObjList;
@@ -14,7 +15,7 @@ class ZmPackObjList;
 ///
 /// Owns what is inside. Copying and destruction take any depth without recursion. One thread at a
 /// time.
-class ZmPackObj : public ZmBase {
+class ZM_EXPORT ZmPackObj : public ZmBase {
  public:
   ZmPackObj() = default;                                         ///< Without name, key and text.
   ZmPackObj(const ZmPackObj& other) : ZmBase() { copy(other); }  ///< A deep copy.
@@ -28,7 +29,7 @@ class ZmPackObj : public ZmBase {
 
   /// @name What was read; lent until the next change
   /// @{
-  const ZmString& name() const { return name_ ? *name_ : _unnamed(); }  ///< The element's name.
+  const ZmString& name() const { return name_ ? *name_ : zm_no_text(); }  ///< The element's name.
   /// The key under which it stands in a hash; null when it has none.
   const ZmString* key() const { return key_.get(); }
   /// The text; null when the element holds elements, or when its encoding can't be read.
@@ -52,7 +53,6 @@ class ZmPackObj : public ZmBase {
   /// @}
 
  private:
-  static const ZmString& _unnamed();
   void _clear();
   void _forget() const;  // drops index_
   ZmPackObj* _indexed(const ZmString& name) const;

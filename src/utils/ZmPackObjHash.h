@@ -5,6 +5,6 @@
 #include "ZmPackObj.h"
 
 /// A hash of parsed elements.
-class ZmPackObjHash : public ZmBaseHash<ZmPackObj> {};
+class ZM_EXPORT ZmPackObjHash : public ZmBaseHash<ZmPackObj> {};
 
 #endif

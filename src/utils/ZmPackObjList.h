@@ -5,6 +5,6 @@
 #include "ZmPackObj.h"
 
 /// A list of parsed elements.
-class ZmPackObjList : public ZmBaseList<ZmPackObj> {};
+class ZM_EXPORT ZmPackObjList : public ZmBaseList<ZmPackObj> {};
 
 #endif

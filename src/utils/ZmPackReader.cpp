@@ -7,6 +7,7 @@
 #include <new>
 #include <utility>
 
+#include "ZmPack.h"
 #include "ZmText.h"
 #include "ZmXMLText.h"
 
@@ -152,4 +153,21 @@ void ZmPackReader::end() {
   if (!text_) text_ = std::make_unique<ZmString>();
   element.text(encoding_ == kPlain ? std::move(text_) : decoded(zm_view(*text_), encoding_));
   listen(false);
+}
+
+// Here and not beside the other operations of packs: programs that never read XML, as the tools,
+// are then linked without Expat, which they would spend a tenth of a short run on.
+int ZmPack::unpackXML(const char* text, int length) {
+  enum { kBroken = 1, kEmpty = 2, kOther = 3, kRefused = 4 };
+  if (!text || length <= 0) return kBroken;
+  ZmPackReader reader;
+  const auto result = reader.read({text, static_cast<std::size_t>(length)});
+  if (result != ZmPackReader::kDone) return result == ZmPackReader::kRefused ? kRefused : kBroken;
+  ZmPackObj& root = reader.root();
+  if (zm_view(root.name()) != zm_view(typeXML())) return kOther;
+  if (root.length() == 0) return kEmpty;
+  _clear();
+  _decodeXML(root);
+  _clear();
+  return 0;
 }

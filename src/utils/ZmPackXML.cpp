@@ -1,18 +1,22 @@
 // The XML form of packs: writing, and reading from the parsed tree.
 #include <bit>
+#include <cerrno>
 #include <charconv>
 #include <climits>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "ZmCursor.h"
+#include "ZmNumber.h"
 #include "ZmPack.h"
 #include "ZmPackObj.h"
-#include "ZmPackReader.h"
 #include "ZmText.h"
 #include "ZmXMLText.h"
 
@@ -20,7 +24,6 @@ namespace {
 
 constexpr std::string_view kItem = "item";
 
-constexpr ZmCharSet kBlank(" \t\r\n");
 // What does not stand for itself: inside an element, and inside an attribute, where readers make
 // spaces of tabs and line ends.
 constexpr ZmCharSet kMarkup("&<>\r\x7f"), kQuoted("&<>\r\x7f\"\t\n");
@@ -46,12 +49,6 @@ std::string_view reference(char c) {
   }
 }
 
-std::string_view trimmed(std::string_view text) {
-  while (!text.empty() && kBlank.has(text.front())) text.remove_prefix(1);
-  while (!text.empty() && kBlank.has(text.back())) text.remove_suffix(1);
-  return text;
-}
-
 // A NaN carries bits of its own. Those of any but the usual one stand behind it: "nan(12ab)".
 constexpr std::uint32_t kSign = 0x80000000, kInfinity = 0x7f800000, kPayload = 0x7fffff,
                         kUsualNaN = 0x400000;
@@ -67,6 +64,29 @@ std::uint32_t payload(std::string_view text) {
   const auto [at, error] = std::from_chars(text.data() + kOpen.size(), end, bits, 16);
   if (error != std::errc() || at != end || bits == 0 || bits > kPayload) return 0;
   return (minus ? kSign : 0) | kInfinity | bits;
+}
+
+// Reads a number; one that is out of range, or followed by anything, leaves the value alone.
+template <class T>
+void read(std::string_view text, T& value) {
+  const char* end = text.data() + text.size();
+  T number{};
+  const auto [at, error] = std::from_chars(text.data(), end, number);
+  if (error == std::errc() && at == end) value = number;
+}
+
+// The same for texts with a zero byte somewhere behind. Not every standard library has from_chars
+// for floats; strtof takes more: blanks, "+" and hexadecimal digits.
+void read(std::string_view text, float& value) {
+  constexpr ZmCharSet kStart("0123456789.iInN"), kHexadecimal("xX");
+  ZmCursor in(text);
+  in.accept('-');
+  if (!kStart.has(in.peek()) || (in.is('0') && kHexadecimal.has(in.peek(1)))) return;
+  char* end = nullptr;
+  errno = 0;
+  const float number = ::strtof_l(text.data(), &end, zm_plain_locale());
+  const bool outside = errno == ERANGE && (number == 0 || std::isinf(number));
+  if (end == text.data() + text.size() && !outside) value = number;
 }
 
 }  // namespace
@@ -100,7 +120,7 @@ struct ZmPack::Writer {
     put("\"");
   }
   void indent() {
-    for (int i = 0; i < pack.depth_; ++i) put("  ");
+    for (int i = 0; i < pack.state_->depth; ++i) put("  ");
   }
   // The start tag up to where ">" belongs.
   void open() {
@@ -130,22 +150,16 @@ struct ZmPack::Writer {
   void branch(ZmPack& value) {
     open();
     put(">\n");
-    const int from = pack.used_;
-    ++pack.depth_;
+    const int from = pack.state_->used;
     if (&value == &pack) {
+      ++pack.state_->depth;
       value.encodeXML();
+      --pack.state_->depth;
     } else {
-      // As for a nested record: it writes straight into this buffer.
-      value._clear();
-      pack._swap(value);
-      value.depth_ = pack.depth_;
-      value.encodeXML();
-      value.depth_ = 0;
-      pack._swap(value);
+      pack._lend(value, [&value] { value.encodeXML(); });
     }
-    --pack.depth_;
-    if (pack.used_ == from) {
-      pack.used_ -= 2;
+    if (pack.state_->used == from) {
+      pack.state_->used -= 2;
       return put("/>\n");
     }
     indent();
@@ -159,8 +173,7 @@ struct ZmPack::Writer {
 };
 
 void ZmPack::packXML() {
-  used_ = 0;
-  depth_ = 0;
+  _state().used = 0;
   const ZmString name = typeXML();
   Writer root{*this, zm_view(name)};
   root.put("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
@@ -208,40 +221,21 @@ void ZmPack::_storeItem(const ZmString* key, ZmPack& value) {
 
 // --- reading ---
 
-int ZmPack::unpackXML(const char* text, int length) {
-  enum { kBroken = 1, kEmpty = 2, kOther = 3, kRefused = 4 };
-  if (!text || length <= 0) return kBroken;
-  ZmPackReader reader;
-  const auto result = reader.read({text, static_cast<std::size_t>(length)});
-  if (result != ZmPackReader::kDone) return result == ZmPackReader::kRefused ? kRefused : kBroken;
-  ZmPackObj& root = reader.root();
-  if (zm_view(root.name()) != zm_view(typeXML())) return kOther;
-  if (root.length() == 0) return kEmpty;
-  _decodeXML(root);
-  return 0;
-}
-
 const ZmString* ZmPack::_text(const ZmString& name) const {
-  const ZmPackObj* element = _element() ? _element()->find(name) : nullptr;
+  const ZmPackObj* element = _xml() ? _xml()->find(name) : nullptr;
   return element ? element->text() : nullptr;
 }
 
 template <class T>
 void ZmPack::_takeXML(const ZmString& name, T& value) const {
-  const ZmString* held = _text(name);
-  if (!held) return;
-  const std::string_view text = trimmed(zm_view(*held));
-  const char* end = text.data() + text.size();
-  T number{};
-  const auto [at, error] = std::from_chars(text.data(), end, number);
-  if (error == std::errc() && at == end) value = number;
+  if (const ZmString* text = _text(name)) read(zm_trimmed(zm_view(*text)), value);
 }
 
 void ZmPack::restoreXML(const ZmString& name, int& value) { _takeXML(name, value); }
 void ZmPack::restoreXML(const ZmString& name, long long& value) { _takeXML(name, value); }
 void ZmPack::restoreXML(const ZmString& name, float& value) {
   const ZmString* text = _text(name);
-  const std::uint32_t bits = text ? payload(trimmed(zm_view(*text))) : 0;
+  const std::uint32_t bits = text ? payload(zm_trimmed(zm_view(*text))) : 0;
   if (bits == 0) return _takeXML(name, value);
   value = std::bit_cast<float>(bits);
 }
@@ -258,28 +252,26 @@ void ZmPack::restoreXML(const ZmString& name, ZmString& value) {
 }
 
 void ZmPack::restoreXML(const ZmString& name, ZmPack& value) {
-  ZmPackObj* element = _element() ? _element()->find(name) : nullptr;
-  if (element && &value != this) value._decodeXML(*element);
+  ZmPackObj* element = _xml() ? _xml()->find(name) : nullptr;
+  if (element && &value != this) _lend(value, [&] { value._decodeXML(*element); });
 }
 
 void ZmPack::_decodeXML(ZmPackObj& element) {
-  _clear();
-  element_ = &element;
-  code_ = kElement;
+  const Place outside = std::exchange(_state().at, {});
+  state_->at.element = &element;
   decodeXML();
-  cursor_ = nullptr;
-  code_ = 0;
+  _state().at = outside;
 }
 
 int ZmPack::_insideXML(const ZmString& name) const {
-  const ZmPackObj* element = _element() ? _element()->find(name) : nullptr;
+  const ZmPackObj* element = _xml() ? _xml()->find(name) : nullptr;
   if (!element) return -1;
-  const bool empty = element->text() && trimmed(zm_view(*element->text())).empty();
+  const bool empty = element->text() && zm_trimmed(zm_view(*element->text())).empty();
   return element->length() > 0 || empty ? element->length() : -1;
 }
 
 ZmPackObj* ZmPack::_item(int& at) const {
-  const ZmPackObj* element = _element();
+  const ZmPackObj* element = _xml();
   while (element && at < element->length()) {
     ZmPackObj* item = element->get(at++);
     if (zm_view(item->name()) == kItem) return item;

@@ -8,6 +8,7 @@
 #include "ZmCursor.h"
 #include "ZmNumber.h"
 #include "ZmText.h"
+#include "ZmTextList.h"
 
 namespace {
 
@@ -70,10 +71,7 @@ unsigned char ZmParam::defineDiffOption(const ZmString& name) { return _define(k
 unsigned char ZmParam::parse(int argc, char** argv) {
   if (argc > 0) name_ = argv[0];
   ZmStringList args;
-  for (int i = 1; i < argc; ++i) {
-    auto argument = std::make_unique<ZmString>(argv[i]);
-    if (args.push(argument.get())) static_cast<void>(argument.release());
-  }
+  for (int i = 1; i < argc; ++i) zm_push(args, std::make_unique<ZmString>(argv[i]));
   return parse(args);
 }
 
@@ -82,6 +80,8 @@ unsigned char ZmParam::parse(ZmStringList& args) {
   arguments_ = std::make_unique<ZmString[]>(static_cast<std::size_t>(length) + 1);
   count_ = 0;
   int index = 0;
+  // Options first: what stands behind the first other argument belongs to the caller, whatever it
+  // looks like.
   while (index < length && isoption(*args.get(index)))
     if (!_option(args, index)) return 0;
   for (; index < length; ++index) arguments_[static_cast<std::size_t>(count_++)] = *args.get(index);
@@ -93,6 +93,7 @@ unsigned char ZmParam::parse(ZmStringList& args) {
   return 1;
 }
 
+// The option counts as given only once its value was accepted.
 unsigned char ZmParam::_option(const ZmStringList& args, int& index) {
   const ZmString& argument = *args.get(index++);
   ZmOption* option = _choose(argument);
@@ -176,6 +177,7 @@ unsigned char ZmParam::get(const ZmString& name, int& v, char& sign) const {
   return 1;
 }
 
+// Few options, looked for a few times a run: no index pays.
 ZmOption* ZmParam::find(const ZmString& name) const {
   for (int i = 0; i < options_.length(); ++i)
     if (options_.get(i)->name() == name) return options_.get(i);

@@ -17,7 +17,7 @@
 ///
 /// Names are compared with case; of several options with one name the first counts. Not copyable;
 /// one thread at a time.
-class ZmParam : public ZmBase {
+class ZM_EXPORT ZmParam : public ZmBase {
  public:
   /// Knows the flags "help" and "version", in this order.
   ZmParam();

@@ -4,32 +4,20 @@
 #include <cstring>
 #include <new>
 
-#include "ZmMemory.h"
-
 namespace {
 
 std::size_t bytes(int slots) { return static_cast<std::size_t>(slots) * sizeof(void*); }
 
-void** slots(int count) {
-  try {
-    return static_cast<void**>(zm_allocate(bytes(count)));
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
-}
-
 }  // namespace
 
-ZmPointerArray::~ZmPointerArray() {
-  if (capacity_ > 0) zm_release(items_, bytes(capacity_));
-}
+ZmPointerArray::~ZmPointerArray() { delete[] items_; }
 
 bool ZmPointerArray::grow() {
   if (capacity_ > (INT_MAX - 1) / 2) return false;
   const int capacity = capacity_ * 2 + 1;
-  void** items = slots(capacity);
+  void** items = new (std::nothrow) void*[static_cast<std::size_t>(capacity)];
   if (items && last_ >= first_) std::memcpy(items + first_, items_ + first_, bytes(length()));
-  zm_release(items_, bytes(capacity_));
+  delete[] items_;
   items_ = items;
   if (items) {
     capacity_ = capacity;

@@ -3,8 +3,10 @@
 #ifndef ZM_POINTER_ARRAY_H
 #define ZM_POINTER_ARRAY_H
 
+#include "ZmExport.h"
+
 // Holds pointers and never looks behind them. Elements stand in slots first..last.
-class ZmPointerArray {
+class ZM_EXPORT ZmPointerArray {
  public:
   ZmPointerArray() = default;
   ZmPointerArray(const ZmPointerArray&) = delete;

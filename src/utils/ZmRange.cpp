@@ -14,10 +14,11 @@
 #include "ZmNumber.h"
 #include "ZmSplit.h"
 #include "ZmText.h"
+#include "ZmTextList.h"
 
 namespace {
 
-constexpr ZmCharSet kBlank(" \t\n");  // no "\r"
+constexpr ZmCharSet kRangeBlank(" \t\n");  // no "\r"
 constexpr ZmCharSet kRange(" \t\n0123456789xX-,"), kNeverFirst("xX,");
 
 struct Number {
@@ -26,7 +27,7 @@ struct Number {
 };
 
 std::optional<Number> number(ZmCursor& in) {
-  in.skip(kBlank);
+  in.skip(kRangeBlank);
   const bool negative = in.accept('-');
   const ZmDigits digits = zm_digits(in);
   if (digits.count == 0) return std::nullopt;
@@ -34,7 +35,7 @@ std::optional<Number> number(ZmCursor& in) {
 }
 
 bool mark(ZmCursor& in, char c) {
-  in.skip(kBlank);
+  in.skip(kRangeBlank);
   return in.accept(c);
 }
 
@@ -102,11 +103,6 @@ std::optional<Item> Items::next() {
   return item;
 }
 
-void push(ZmStringList& out, std::unique_ptr<ZmString> text) {
-  if (!out.push(text.get())) throw std::bad_alloc();
-  static_cast<void>(text.release());
-}
-
 // "A-B", or "A-BxG" for a gap G above 1.
 void appendspan(ZmString& text, int last, std::int64_t gap) {
   text.append('-');
@@ -120,11 +116,11 @@ void appendspan(ZmString& text, int last, std::int64_t gap) {
 void pushspan(ZmStringList& out, int first, int last, std::int64_t gap) {
   auto text = std::make_unique<ZmString>(first);
   if (first != last) appendspan(*text, last, gap);
-  push(out, std::move(text));
+  zm_push(out, std::move(text));
 }
 
 // The text around the bracket of a pattern item.
-struct Frame {
+struct Surroundings {
   std::string before;
   std::string after;
 
@@ -174,6 +170,8 @@ void ZmRange::parse(const ZmString& text) {
 }
 
 void ZmRange::add(const ZmString& text) {
+  // Read twice: counted first, so that there is one allocation and it fails before anything
+  // changed.
   std::int64_t total = 0;
   Items counted(zm_view(text));
   while (const auto item = counted.next()) total += item->count();
@@ -192,7 +190,8 @@ void ZmRange::clear() {
   count_ = 0;
 }
 
-// Makes room for exactly n more values, at least one, and returns their place.
+// Makes room for exactly n more values, at least one, and returns their place. The values stay as
+// they are when there is no memory.
 int* ZmRange::_extend(std::int64_t n) {
   if (n > INT_MAX - count_) throw std::bad_alloc();
   auto values = std::make_unique_for_overwrite<int[]>(static_cast<std::size_t>(count_ + n));
@@ -204,6 +203,7 @@ int* ZmRange::_extend(std::int64_t n) {
 
 unsigned char ZmRange::has(int value) const { return std::find(_begin(), _end(), value) != _end(); }
 
+// By sorted copies: looking for each value would be quadratic.
 unsigned char ZmRange::has(const ZmString& text) const {
   ZmRange wanted(text);
   ZmRange held(*this);
@@ -290,7 +290,7 @@ void ZmRange::partition(int parts, ZmStringList& out) {
 unsigned char ZmRange::isrange(const ZmString& text) {
   ZmCursor in(zm_view(text));
   if (kNeverFirst.has(in.peek())) return 0;
-  in.skip(kBlank);
+  in.skip(kRangeBlank);
   if (in.eof()) return 0;
   in.skip(kRange);
   return in.eof();
@@ -306,14 +306,14 @@ void ZmRange::patternsplit(int order, const ZmString& pattern, ZmStringList& out
   if (isrange(pattern)) {
     ZmRange range(pattern);
     range._arrange(order);
-    for (int i = 0; i < range.count_; ++i) push(out, std::make_unique<ZmString>(range.get(i)));
+    for (int i = 0; i < range.count_; ++i) zm_push(out, std::make_unique<ZmString>(range.get(i)));
     return;
   }
   // Most patterns are plain names.
   constexpr ZmCharSet kSpecial("[, \t\r\n");
   ZmCursor in(zm_view(pattern));
   if (!in.until(kSpecial).empty() && in.eof())
-    return push(out, std::make_unique<ZmString>(pattern));
+    return zm_push(out, std::make_unique<ZmString>(pattern));
   ZmStringList items;
   zm_split_comma(zm_view(pattern), items);
   for (int i = 0; i < items.length(); ++i) _expand(order, *items.get(i), out);
@@ -323,14 +323,14 @@ void ZmRange::patternsplit(int order, const ZmString& pattern, ZmStringList& out
 void ZmRange::_expand(int order, const ZmString& item, ZmStringList& out) {
   ZmTokens tokens(zm_view(item), ZmSyntax::kRange);
   std::string_view token;
-  Frame frame;
-  while (tokens.next(token) && token != "[") frame.before += token;
-  if (!tokens.next(token)) return push(out, std::make_unique<ZmString>(item));
+  Surroundings name;
+  while (tokens.next(token) && token != "[") name.before += token;
+  if (!tokens.next(token)) return zm_push(out, std::make_unique<ZmString>(item));
   ZmRange range(zm_string(token));
   tokens.next(token);
-  while (tokens.next(token)) frame.after += token;
+  while (tokens.next(token)) name.after += token;
   range._arrange(order);
-  for (int i = 0; i < range.count_; ++i) push(out, frame.around(range.get(i), range.padding_));
+  for (int i = 0; i < range.count_; ++i) zm_push(out, name.around(range.get(i), range.padding_));
 }
 
 void ZmRange::patternsplit(const ZmString& text, int& start, int& end, int& step) {

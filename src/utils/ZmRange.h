@@ -30,7 +30,7 @@
 /// says that it *strips* the range: it sorts ascending and keeps one of each value. A range that
 /// would need more than 2,147,483,647 values fails as an allocation failure does (std::bad_alloc),
 /// with the values left as they were. One thread at a time.
-class ZmRange : public ZmBase {
+class ZM_EXPORT ZmRange : public ZmBase {
  public:
   ZmRange() = default;                       ///< Empty, padding 0.
   ZmRange(const ZmString& text);             ///< parse(text).
@@ -92,10 +92,14 @@ class ZmRange : public ZmBase {
   /// node001.farm, node002.farm, node003.farm, gpu1 and gpu3.
   ///
   /// Only the first bracket of an item is expanded, with its values padded; an item without one is
-  /// a name as it stands, and a bracket without a value gives no name. A pattern that is a range
-  /// text itself gives its values, unpadded. White space outside brackets is dropped. The order of
-  /// each range's values: 0 (or any other number) as written, 1 sorted, then binary(); 2 sorted;
-  /// 3 sorted, then reversed; 4 binary(); 5 reversed.
+  /// a name as it stands, and a bracket without a value gives no name. White space outside brackets
+  /// is dropped. The order of each range's values: 0 (or any other number) as written, 1 sorted,
+  /// then binary(); 2 sorted; 3 sorted, then reversed; 4 binary(); 5 reversed.
+  ///
+  /// A pattern that is a range text itself (isrange()) gives its values, unpadded: "2024-01-15" is
+  /// no name but the range 2024-01, the numbers from 2024 down to 1. White space ends the range in
+  /// a bracket: of "a[1, 3]b" only the 1 is read, the 3 is dropped as if it were the bracket's end,
+  /// and the name is "a1]b". Write no blanks inside brackets.
   static void patternsplit(int order, const ZmString& pattern, ZmStringList& out);
   /// Reads one item N-MxS (or N-MXS). Outputs from the first part that is missing on are left
   /// alone; the step is given as written, whatever its sign.

@@ -10,7 +10,7 @@
 /// The count is the number of tree nodes that hold the object; the last of them destroys it with
 /// delete, so it has to come from new. It is never serialised. One thread at a time, together with
 /// all the trees that share it.
-class ZmReference : public ZmPack {
+class ZM_EXPORT ZmReference : public ZmPack {
  public:
   ZmReference() = default;                                  ///< Count 0.
   ZmReference(const ZmReference& other) : ZmPack(other) {}  ///< Count 0: nothing holds the copy.

@@ -13,7 +13,8 @@ bool haselement(const ZmString& list, const ZmString& element) {
   return elements.find(element) >= 0;
 }
 
-// Strings: a truth value for every operator.
+// Strings: a truth value for every operator. Those that strings don't have give 0, as numbers do
+// for operators that they don't have.
 bool compared(ZmOperation operation, ZmScalar& a, ZmScalar& b) {
   switch (operation) {
     case ZmOperation::kEqual:
@@ -33,11 +34,14 @@ bool compared(ZmOperation operation, ZmScalar& a, ZmScalar& b) {
 
 }  // namespace
 
+// Deliberately nothing: a scalar keeps what it was made with, and whoever needs a copy constructs
+// it.
 void ZmScalar::copy(const ZmScalar&) {}
 
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 ZmScalar& ZmScalar::operator=(const ZmScalar&) { return *this; }
 
+// The text of a number is not kept: stringvalue() makes the usual form of it when asked.
 void ZmScalar::value(const ZmString& text) {
   if (text.isinteger()) {
     _set(text.integervalue());

@@ -10,7 +10,7 @@
 /// Operators work in the wider kind of their operands: integer, then float, then string. Nothing
 /// fails: an operator that the kind doesn't have gives 0, and a text that is no number counts as
 /// what its leading digits say. One thread at a time.
-class ZmScalar : public ZmBase {
+class ZM_EXPORT ZmScalar : public ZmBase {
  public:
   ZmScalar() = default;                                      ///< The integer 0.
   ZmScalar(const ZmString& text) { value(text); }            ///< value(text).
@@ -64,7 +64,7 @@ class ZmScalar : public ZmBase {
   static void eval(const ZmString& op, ZmScalar& a, ZmScalar& b, ZmScalar& result);
 
  private:
-  friend class ZmEvaluation;
+  friend class ZmExpression;                      // its evaluation
   enum Kind : int { kInteger, kFloat, kString };  // a wider kind wins
 
   void _set(int number) {

@@ -1,15 +1,11 @@
 #include "ZmSlotTable.h"
 
 #include <algorithm>
-#include <array>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <new>
-#include <numeric>
-
-#include "ZmMemory.h"
+#include <iterator>
+#include <utility>
 
 namespace {
 
@@ -17,12 +13,6 @@ constexpr int kStartSize = 17;
 constexpr int kProbes = 33;               // the offsets of further probes have all been tried
 constexpr long long kFreeGrowth = 65536;  // slots up to which growth is never refused
 constexpr long long kSlotsPerEntry = 32;
-constexpr int kMany = 1024;  // entries that are worth an order when they are destroyed
-
-constexpr std::size_t kSlotBytes =
-    sizeof(ZmString*) + sizeof(void*) + sizeof(std::uint32_t) + sizeof(unsigned char);
-
-std::size_t bytes(int size) { return static_cast<std::size_t>(size) * kSlotBytes; }
 
 // The slot that probe i looks at. Offsets count from the home slot and wrap at 32 bits.
 std::uint32_t slot(std::uint32_t hash, int probe, int size) {
@@ -43,11 +33,44 @@ std::uint64_t end_of(std::string_view key) {
 
 int probes(int size) { return size / 2 < kProbes ? size / 2 : kProbes; }
 
+unsigned char mark_of(std::uint64_t hash) { return static_cast<unsigned char>(hash >> 32); }
+
 }  // namespace
 
-ZmSlotTable::ZmSlotTable() { use(allocated(kStartSize)); }
+ZmSlots::ZmSlots(int size, std::uint64_t numbers)
+    : size_(size),
+      width_(numbers <= 256     ? 1
+             : numbers <= 65536 ? 2
+                                : 4) {
+  bytes_.reset(
+      new unsigned char[static_cast<std::size_t>(size) * (1U + static_cast<unsigned>(width_))]);
+  clear();
+}
 
-ZmSlotTable::~ZmSlotTable() { release(slots()); }
+unsigned char* ZmSlots::place(int at) const {
+  return bytes_.get() + size_ + static_cast<std::ptrdiff_t>(at) * width_;
+}
+
+std::uint32_t ZmSlots::number(int at) const {
+  const unsigned char* from = place(at);
+  std::uint32_t number = 0;
+  for (int i = 0; i < width_; ++i) number = number << 8 | from[i];
+  return number;
+}
+
+void ZmSlots::put(int at, unsigned char mark, std::uint32_t number) {
+  bytes_[static_cast<std::size_t>(at)] = mark;
+  unsigned char* to = place(at);
+  for (int i = width_; i-- > 0; number >>= 8) to[i] = static_cast<unsigned char>(number);
+}
+
+bool ZmSlots::anyremoved() const {
+  return std::memchr(bytes_.get(), kRemoved, static_cast<std::size_t>(size_)) != nullptr;
+}
+
+void ZmSlots::clear() { std::memset(bytes_.get(), kEmpty, static_cast<std::size_t>(size_)); }
+
+ZmSlotTable::ZmSlotTable() : slots_(kStartSize, 0) {}
 
 ZmSlotTable::Hash ZmSlotTable::hash(std::string_view key) {
   // The bytes count as signed: those of 128 and above subtract.
@@ -66,300 +89,263 @@ ZmSlotTable::Hash ZmSlotTable::hash(std::string_view key) {
     sum += weight * byte(i);
     zero |= byte(i) == 0;
   }
-  return Hash{zero ? static_cast<unsigned char>(kZero) : mark(key)} << 32 | sum;
+  return Hash{zero ? static_cast<unsigned char>(ZmSlots::kZero) : mark(key)} << 32 | sum;
 }
 
 // For keys without a zero byte.
 unsigned char ZmSlotTable::mark(std::string_view key) {
   const std::uint64_t mixed = end_of(key) * 0x9e3779b97f4a7c15;
-  return static_cast<unsigned char>(kMarks + (mixed >> 56) * (256 - kMarks) / 256);
-}
-
-// One block: keys, values, hashes, marks. All empty.
-ZmSlotTable::Slots ZmSlotTable::allocated(int size) {
-  Slots slots;
-  slots.keys = static_cast<ZmString**>(zm_allocate_zeroed(bytes(size)));
-  slots.values = reinterpret_cast<void**>(slots.keys + size);
-  slots.hashes = reinterpret_cast<std::uint32_t*>(slots.values + size);
-  slots.marks = reinterpret_cast<unsigned char*>(slots.hashes + size);
-  slots.size = size;
-  return slots;
-}
-
-void ZmSlotTable::release(const Slots& slots) noexcept {
-  zm_release(slots.keys, bytes(slots.size));
-}
-
-void ZmSlotTable::use(const Slots& slots) {
-  keys_ = slots.keys;
-  values_ = slots.values;
-  hashes_ = slots.hashes;
-  marks_ = slots.marks;
-  size_ = slots.size;
+  return static_cast<unsigned char>(ZmSlots::kMarks +
+                                    (mixed >> 56) * (256 - ZmSlots::kMarks) / 256);
 }
 
 // The text is asked for only where it must be compared.
 template <class Text>
-ZmSlotTable::Spot ZmSlotTable::seek(Hash key_hash, Text text) const {
-  const auto sum = static_cast<std::uint32_t>(key_hash);
-  const auto mark = static_cast<unsigned char>(key_hash >> 32);
+ZmSlotTable::Spot ZmSlotTable::seek(const ZmSlots& slots, Hash key_hash, Text text) const {
+  const unsigned char mark = mark_of(key_hash);
   const auto holds = [&](int at) {
-    if (marks_[at] != mark || (hashes_[at] != sum && mark != kZero)) return false;
-    const std::string_view held = zm_view(*keys_[at]);
+    if (slots.mark(at) != mark) return false;
+    const Entry& entry = entries_[slots.number(at)];
+    if (entry.hash != key_hash && mark != ZmSlots::kZero) return false;
+    const std::string_view held = zm_view(*entry.key);
     const std::string_view sought = text();
-    if (mark != kZero) return held == sought;
+    if (mark != ZmSlots::kZero) return held == sought;
     // A zero byte ends a comparison.
     return held.size() == sought.size() &&
            std::strncmp(held.data(), sought.data(), held.size()) == 0;
   };
   Spot spot;
-  for (int probe = 0; probe < probes(size_); ++probe) {
-    const auto at = static_cast<int>(slot(sum, probe, size_));
-    const bool vacant = !occupied(at);
+  for (int probe = 0; probe < probes(slots.size()); ++probe) {
+    const auto at =
+        static_cast<int>(slot(static_cast<std::uint32_t>(key_hash), probe, slots.size()));
+    const bool vacant = !slots.occupied(at);
     if (!vacant && !holds(at)) continue;
     // A later slot may hold the same key once one before it was removed. A new entry still goes to
     // the first vacant slot, and is then the one that lookups find.
     if (spot.place < 0) spot.place = at;
     if (!vacant) spot.found = at;
-    if (marks_[at] != kRemoved) break;
+    if (slots.mark(at) != ZmSlots::kRemoved) break;
   }
   return spot;
 }
 
 ZmSlotTable::Spot ZmSlotTable::locate(std::string_view key, Hash key_hash) const {
-  return seek(key_hash, [key] { return key; });
+  Spot spot = seek(slots_, key_hash, [key] { return key; });
+  spot.known = spot.found >= 0 || (overflow_ && overflow_->contains(key));
+  return spot;
 }
 
-void* ZmSlotTable::get(std::string_view key, Hash key_hash) const {
+const ZmSlotTable::Entry* ZmSlotTable::find(std::string_view key, Hash key_hash) const {
   if (count_ < 1) return nullptr;
   const int at = locate(key, key_hash).found;
-  if (at >= 0) return values_[at];
+  if (at >= 0) return &entries_[slots_.number(at)];
   if (!overflow_) return nullptr;
-  const auto pair = overflow_->find(key);
-  return pair == overflow_->end() ? nullptr : pair->second.second;
-}
-
-const ZmString* ZmSlotTable::stored(std::string_view key, Hash key_hash) const {
-  const int at = locate(key, key_hash).found;
-  if (at >= 0) return keys_[at];
-  if (!overflow_) return nullptr;
-  const auto pair = overflow_->find(key);
-  return pair == overflow_->end() ? nullptr : pair->second.first;
+  const auto beyond = overflow_->find(key);
+  return beyond == overflow_->end() ? nullptr : &entries_[beyond->second];
 }
 
 void* ZmSlotTable::remove(const ZmString& key) {
   if (count_ < 1) return nullptr;
-  void* value = nullptr;
+  std::uint32_t number = 0;
   const int at = locate(zm_view(key), hash(zm_view(key))).found;
   if (at >= 0) {
-    // The argument may be the stored key itself, so it is not used below.
-    delete keys_[at];
-    keys_[at] = &removed_;
-    marks_[at] = kRemoved;
-    value = std::exchange(values_[at], nullptr);
+    number = slots_.number(at);
+    slots_.remove(at);
   } else {
     if (!overflow_) return nullptr;
-    const auto pair = overflow_->find(zm_view(key));
-    if (pair == overflow_->end()) return nullptr;
-    const auto [stored, object] = pair->second;
-    value = object;
-    overflow_->erase(pair);
-    delete stored;
-    if (overflow_->empty()) delete std::exchange(overflow_, nullptr);
+    const auto beyond = overflow_->find(zm_view(key));
+    if (beyond == overflow_->end()) return nullptr;
+    number = beyond->second;
+    overflow_->erase(beyond);
+    if (overflow_->empty()) overflow_.reset();
   }
+  // The argument may be the stored key itself, so it is not used below.
+  void* const value = entries_[number].value;
+  drop(number);
   --count_;
-  --entries_;
   return value;
 }
 
-ZmSlotTable::Stored ZmSlotTable::store(const Pair& pair, Hash key_hash, Pair& old) {
-  const int at = seek(key_hash, [&pair] { return zm_view(*pair.first); }).place;
-  if (at < 0) return Stored::kFull;
-  const bool vacant = !occupied(at);
-  if (!vacant) old = {keys_[at], values_[at]};
-  put(at, pair, key_hash);
-  return vacant ? Stored::kNew : Stored::kReplaced;
+// The value is the caller's.
+void ZmSlotTable::drop(std::uint32_t number) {
+  delete std::exchange(entries_[number].key, nullptr);
+  --live_;
+  while (!entries_.empty() && !entries_.back().key) entries_.pop_back();
 }
 
-void ZmSlotTable::put(int at, const Pair& pair, Hash key_hash) {
-  keys_[at] = pair.first;
-  values_[at] = pair.second;
-  hashes_[at] = static_cast<std::uint32_t>(key_hash);
-  marks_[at] = static_cast<unsigned char>(key_hash >> 32);
+// Closes the gaps; the numbers then have as many bytes as a quarter more entries need.
+void ZmSlotTable::renumber() const {
+  const auto live = static_cast<std::size_t>(live_);
+  ZmSlots slots(slots_.size(), live + live / 4 + 1);
+  std::vector<std::uint32_t> numbers(entries_.size());
+  std::uint32_t next = 0;
+  for (std::size_t i = 0; i < entries_.size(); ++i)
+    if (entries_[i].key) numbers[i] = next++;
+  for (int i = 0; i < slots.size(); ++i)
+    slots.put(i, slots_.mark(i), slots_.occupied(i) ? numbers[slots_.number(i)] : 0);
+  slots_ = std::move(slots);
+  if (overflow_)
+    for (auto& [text, number] : *overflow_) number = numbers[number];
+  std::erase_if(entries_, [](const Entry& entry) { return !entry.key; });
+}
+
+// For one more entry. What renumbering costs is paid by the entries that came or went since.
+void ZmSlotTable::make_room() {
+  const std::size_t used = entries_.size();
+  if (used == slots_.numbers() || (used == entries_.capacity() && gaps() > used / 4)) renumber();
+  if (entries_.size() < entries_.capacity()) return;
+  entries_.reserve(used + std::max<std::size_t>(4, used / 4));
+}
+
+// Into a slot, or into the overflow when there is none for it.
+void ZmSlotTable::add(int at, const Entry& entry) {
+  make_room();
+  const auto number = static_cast<std::uint32_t>(entries_.size());
+  if (at >= 0) {
+    slots_.put(at, mark_of(entry.hash), number);
+  } else {
+    if (!overflow_) overflow_ = std::make_unique<Overflow>();
+    overflow_->emplace(zm_view(*entry.key), number);
+  }
+  entries_.push_back(entry);
+  ++live_;
+  ++count_;
 }
 
 bool ZmSlotTable::fill(const Spot& spot, void* value, ZmString* key, Hash key_hash) {
-  if (overflow_ || spot.place < 0 || spot.found >= 0) return false;
-  put(spot.place, {key, value}, key_hash);
-  ++count_;
-  ++entries_;
+  if (overflow_ || spot.place < 0 || spot.known) return false;
+  add(spot.place, {key, value, key_hash});
   return true;
 }
 
 bool ZmSlotTable::set(void* value, ZmString* key, Hash key_hash, Destroy destroy) {
-  const Pair pair{key, value};
-  Pair old{};
-  Stored stored = Stored::kFull;
-  auto beyond = overflow_ ? overflow_->find(zm_view(*key)) : Overflow::iterator();
-  if (overflow_ && beyond != overflow_->end()) {
-    old = beyond->second;
-    overflow_->erase(beyond);
-    overflow_->emplace(zm_view(*key), pair);
-    stored = Stored::kReplaced;
-  } else {
-    while ((stored = store(pair, key_hash, old)) == Stored::kFull && resize(destroy)) {
+  const std::string_view text = zm_view(*key);
+  const Entry entry{key, value, key_hash};
+  if (overflow_) {
+    if (const auto beyond = overflow_->find(text); beyond != overflow_->end()) {
+      auto node = overflow_->extract(beyond);
+      node.key() = text;
+      replace(node.mapped(), entry, destroy);
+      overflow_->insert(std::move(node));
+      return true;
     }
   }
-  if (stored == Stored::kFull) {
-    if (!overflow_) overflow_ = new Overflow;
-    overflow_->emplace(zm_view(*key), pair);
+  Spot spot;
+  while ((spot = locate(text, key_hash)).place < 0 && resize(destroy)) {
   }
-  if (stored == Stored::kReplaced) {
-    if (old.second && old.second != value) destroy(old.second);
-    if (old.first != key) delete old.first;
+  if (spot.place < 0 || !slots_.occupied(spot.place)) {
+    add(spot.place, entry);
   } else {
-    ++count_;
-    ++entries_;
+    const std::uint32_t number = slots_.number(spot.place);
+    slots_.put(spot.place, mark_of(key_hash), number);
+    replace(number, entry, destroy);
   }
   return true;
 }
 
-bool ZmSlotTable::refused(long long size) const {
-  return size > INT_MAX || (size > kFreeGrowth && size > kSlotsPerEntry * entries_);
+// By an entry of an equal key.
+void ZmSlotTable::replace(std::uint32_t number, const Entry& entry, Destroy destroy) {
+  const Entry old = std::exchange(entries_[number], entry);
+  if (old.value && old.value != entry.value) destroy(old.value);
+  if (old.key != entry.key) delete old.key;
 }
 
-// Puts the pairs of other slots into these, which are empty; false when one finds no place.
-bool ZmSlotTable::refill(const Slots& from, int& count, std::vector<Pair>& replaced) {
-  for (int i = 0; i < from.size; ++i) {
-    if (from.marks[i] <= kRemoved) continue;
-    Pair old{};
-    const Hash key_hash = Hash{from.marks[i]} << 32 | from.hashes[i];
-    switch (store({from.keys[i], from.values[i]}, key_hash, old)) {
-      case Stored::kFull:
-        return false;
-      case Stored::kReplaced:
-        replaced.push_back(old);
-        break;
-      case Stored::kNew:
-        ++count;
-    }
+bool ZmSlotTable::refused(long long size) const {
+  return size > INT_MAX || (size > kFreeGrowth && size > kSlotsPerEntry * live_);
+}
+
+bool ZmSlotTable::store(ZmSlots& slots, std::uint32_t number,
+                        std::vector<std::uint32_t>& replaced) const {
+  const Entry& entry = entries_[number];
+  const int at = seek(slots, entry.hash, [&entry] { return zm_view(*entry.key); }).place;
+  if (at < 0) return false;
+  if (slots.occupied(at)) replaced.push_back(slots.number(at));
+  slots.put(at, mark_of(entry.hash), number);
+  return true;
+}
+
+// Puts what stands in the slots into other ones, in slot order; false when an entry finds no place.
+// Counts those that found one without replacing another.
+bool ZmSlotTable::refill(ZmSlots& slots, std::vector<std::uint32_t>& replaced, int& count) const {
+  for (int i = 0; i < slots_.size(); ++i) {
+    if (!slots_.occupied(i)) continue;
+    const std::size_t before = replaced.size();
+    if (!store(slots, slots_.number(i), replaced)) return false;
+    if (replaced.size() == before) ++count;
   }
   return true;
 }
 
 bool ZmSlotTable::resize(Destroy destroy) {
-  if (entries_ < patience_) return false;
-  const Slots old = slots();
-  std::vector<Pair> replaced;  // of an attempt; destroyed only once that attempt has succeeded
-  int count = 0;               // of all attempts: those that fail leave their part behind
-  int size = old.size;
+  if (live_ < patience_) return false;
+  std::vector<std::uint32_t> replaced;  // of an attempt; destroyed only once that has succeeded
+  int count = 0;                        // of all attempts: those that fail leave their part behind
+  int size = slots_.size();
   for (bool filled = false; !filled;) {
     const long long next = size * 4LL + 1 + std::rand() % 100;
     if (refused(next)) {
-      if (size != old.size) patience_ = entries_ * 2;
+      if (size != slots_.size()) patience_ = live_ * 2;
       return false;
     }
     size = static_cast<int>(next);
+    ZmSlots slots(size, slots_.numbers());
     replaced.clear();
-    use(allocated(size));
-    filled = refill(old, count, replaced);
-    if (filled) continue;
-    release(slots());
-    use(old);
+    filled = refill(slots, replaced, count);
+    if (filled) slots_ = std::move(slots);
   }
-  release(old);
   count_ = count;
   empty_overflow(replaced);
-  for (const auto& [key, value] : replaced) {
-    delete key;
+  for (const std::uint32_t number : replaced) {
+    void* const value = entries_[number].value;
+    drop(number);
     if (value) destroy(value);
-    --entries_;
   }
   return true;
 }
 
 // After a growth: what finds a place in the slots moves there.
-void ZmSlotTable::empty_overflow(std::vector<Pair>& replaced) {
+void ZmSlotTable::empty_overflow(std::vector<std::uint32_t>& replaced) {
   if (!overflow_) return;
   for (auto at = overflow_->begin(); at != overflow_->end();) {
-    Pair old{};
-    const Stored stored = store(at->second, hash(at->first), old);
-    at = stored == Stored::kFull ? std::next(at) : overflow_->erase(at);
-    if (stored == Stored::kReplaced) {
-      replaced.push_back(old);
-    } else {
-      ++count_;
-    }
+    const std::size_t before = replaced.size();
+    const bool stored = store(slots_, at->second, replaced);
+    at = stored ? overflow_->erase(at) : std::next(at);
+    if (replaced.size() == before) ++count_;
   }
-  if (overflow_->empty()) delete std::exchange(overflow_, nullptr);
+  if (overflow_->empty()) overflow_.reset();
 }
 
-// Calls visit(key, value) for the pairs in the slots, in the order in which the keys stand in
-// memory (radix sort, of 128 GiB). False, when there is no memory to sort them in: nothing was
-// visited.
-template <class Visit>
-bool ZmSlotTable::each_in_memory(Visit visit) const {
-  constexpr unsigned kDigit = 11;
-  constexpr unsigned kGrain = 4;  // bits below that are the same for all
-  constexpr std::size_t kDigits = std::size_t{1} << kDigit;
-  const auto room = static_cast<std::size_t>(entries_);
-  const std::unique_ptr<Pair[]> first(new (std::nothrow) Pair[room]);
-  const std::unique_ptr<Pair[]> second(new (std::nothrow) Pair[room]);
-  if (!first || !second) return false;
-  Pair* pairs = first.get();
-  Pair* sorted = second.get();
-  std::size_t count = 0;
-  each_slot([&](ZmString* key, void* value) { pairs[count++] = {key, value}; });
-  for (unsigned shift = kGrain; shift < kGrain + 3 * kDigit; shift += kDigit) {
-    const auto digit = [shift](const Pair& pair) {
-      return reinterpret_cast<std::uintptr_t>(pair.first) >> shift & (kDigits - 1);
-    };
-    std::array<std::size_t, kDigits + 1> at{};
-    for (std::size_t i = 0; i < count; ++i) ++at[digit(pairs[i]) + 1];
-    std::partial_sum(at.begin(), at.end(), at.begin());
-    for (std::size_t i = 0; i < count; ++i) sorted[at[digit(pairs[i])]++] = pairs[i];
-    std::swap(pairs, sorted);
-  }
-  for (std::size_t i = 0; i < count; ++i) visit(pairs[i].first, pairs[i].second);
-  return true;
-}
-
-// What is given back in the order of memory is had again so: a large table that is filled next then
-// stands in memory as it is filled, and not scattered as the slots are.
 void ZmSlotTable::clear(Destroy destroy) {
-  const auto drop = [destroy](ZmString* key, void* value) {
-    if (value && destroy) destroy(value);
+  for (const auto& [key, value, hash] : entries_) {
+    if (key && value && destroy) destroy(value);
     delete key;
-  };
-  if (entries_ < kMany || !each_in_memory(drop)) each_slot(drop);
-  each_beyond(drop);
-  std::memset(keys_, 0, bytes(size_));  // the whole block
-  delete std::exchange(overflow_, nullptr);
+  }
+  entries_.clear();
+  slots_.clear();
+  overflow_.reset();
   count_ = 0;
-  entries_ = 0;
+  live_ = 0;
   patience_ = 0;
 }
 
 void ZmSlotTable::copy(const ZmSlotTable& other, void* (*copy_value)(const void*)) {
-  const Slots own = slots();
-  use(allocated(other.size_));
-  release(own);
-  count_ = other.count_;
-  entries_ = other.entries_;
-  patience_ = other.patience_;
-  // Every pair keeps its slot. A removed slot becomes an empty one, so what was placed beyond it
+  if (other.gaps()) other.renumber();
+  // Every entry keeps its slot. A removed slot becomes an empty one, so what was placed beyond it
   // is listed and no longer found.
-  for (int i = 0; i < size_; ++i) {
-    if (!other.occupied(i)) continue;
-    values_[i] = copy_value(other.values_[i]);
-    keys_[i] = new ZmString(*other.keys_[i]);
-    hashes_[i] = other.hashes_[i];
-    marks_[i] = other.marks_[i];
+  slots_ = ZmSlots(other.slots_.size(), other.slots_.numbers());
+  entries_.reserve(other.entries_.size());
+  for (const auto& [key, value, hash] : other.entries_) {
+    std::unique_ptr<ZmString> made(ZmString::_exact(*key));
+    entries_.push_back({made.get(), copy_value(value), hash});
+    static_cast<void>(made.release());
   }
-  if (!other.overflow_) return;
-  overflow_ = new Overflow;
-  for (const auto& [text, pair] : *other.overflow_) {
-    auto* key = new ZmString(*pair.first);
-    overflow_->emplace(zm_view(*key), Pair(key, copy_value(pair.second)));
-  }
+  for (int i = 0; i < slots_.size(); ++i)
+    if (other.slots_.occupied(i)) slots_.put(i, other.slots_.mark(i), other.slots_.number(i));
+  if (other.overflow_) overflow_ = std::make_unique<Overflow>();
+  if (other.overflow_)
+    for (const auto& [text, number] : *other.overflow_)
+      overflow_->emplace(zm_view(*entries_[number].key), number);
+  count_ = other.count_;
+  live_ = other.live_;
+  patience_ = other.patience_;
 }

@@ -3,129 +3,166 @@
 #ifndef ZM_SLOT_TABLE_H
 #define ZM_SLOT_TABLE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "ZmString.h"
 #include "ZmText.h"
 
+// The slots of a table: a mark each, and behind all marks a number each, of as few bytes as the
+// numbers need. Internal to ZmSlotTable.
+class ZmSlots {
+ public:
+  // What a mark says of its slot. Keys with a zero byte have a mark of their own, since they may be
+  // equal to others with another hash.
+  enum Mark : unsigned char { kEmpty, kRemoved, kZero, kMarks };
+
+  ZmSlots(int size, std::uint64_t numbers);  // all empty; for numbers below `numbers`
+
+  int size() const { return size_; }
+  std::uint64_t numbers() const { return std::uint64_t{1} << 8 * width_; }  // above every number
+  unsigned char mark(int at) const { return bytes_[static_cast<std::size_t>(at)]; }
+  bool occupied(int at) const { return mark(at) > kRemoved; }
+  std::uint32_t number(int at) const;  // of an occupied slot
+  void put(int at, unsigned char mark, std::uint32_t number);
+  void remove(int at) { bytes_[static_cast<std::size_t>(at)] = kRemoved; }
+  bool anyremoved() const;
+  void clear();
+
+ private:
+  unsigned char* place(int at) const;
+
+  std::unique_ptr<unsigned char[]> bytes_;
+  int size_;
+  int width_;  // bytes of a number: 1, 2 or 4
+};
+
 // Owns its keys; values are pointers it never looks behind. `destroy` arguments release a value
 // that was replaced.
 //
 // The published hash of a key is weak: keys that end in numbers often share it. So a search looks
-// at one byte a slot, its mark, which holds some bits of a second hash, and reads a key only when
-// both hashes agree.
+// at one byte a slot, its mark, which holds some bits of a second hash, and reads an entry only
+// when these agree, and its key only when both hashes do.
 //
 // A key's 32-bit hash alone decides its probe slots, and the offsets repeat after 33 probes. More
 // keys of one hash can't be stored in any table, so growth is bounded: a pair for which the table
 // would have to go beyond both 65,536 slots and 32 slots an entry is kept in an ordered overflow
 // instead, and moves into the slots when a later growth has room.
-class ZmSlotTable {
+class ZM_EXPORT ZmSlotTable {
  public:
   using Destroy = void (*)(void*);
   // The published hash in the lower half, the mark of the key above it.
   using Hash = std::uint64_t;
+  struct Entry {
+    ZmString* key;  // null: a gap
+    void* value;
+    Hash hash;
+  };
 
   ZmSlotTable();
   ZmSlotTable(const ZmSlotTable&) = delete;
   ZmSlotTable& operator=(const ZmSlotTable&) = delete;
-  ~ZmSlotTable();  // clear() first
+  ~ZmSlotTable() = default;  // clear() first
 
   static Hash hash(std::string_view key);
 
   int count() const { return count_; }
-  int entries() const { return entries_; }
+  int entries() const { return live_; }
   void* get(const ZmString& key) const { return get(zm_view(key), hash(zm_view(key))); }
-  void* get(std::string_view key, Hash key_hash) const;
-  const ZmString* stored(std::string_view key, Hash key_hash) const;  // the key itself, or null
+  void* get(std::string_view key, Hash key_hash) const {
+    const Entry* held = find(key, key_hash);
+    return held ? held->value : nullptr;
+  }
+  const Entry* find(std::string_view key, Hash key_hash) const;  // null: it is not there
+  // The entry at position i, in the order in which keys were first set: 0 to entries() - 1.
+  const Entry& entry(int i) const {
+    if (gaps()) renumber();
+    return entries_[static_cast<std::size_t>(i)];
+  }
   // Where a key is and where set() would put it, as slots; -1: nowhere.
   struct Spot {
     int found = -1;
     int place = -1;
+    bool known = false;  // found, or held in the overflow
   };
   Spot locate(std::string_view key, Hash key_hash) const;
-  void* value(int at) const { return values_[at]; }
+  void* value(int at) const { return entries_[slots_.number(at)].value; }
   // Stores a new pair where locate() has said, unless only set() can; takes nothing then.
   bool fill(const Spot& spot, void* value, ZmString* key, Hash key_hash);
-  // False: the key is null.
+  // False: the key is null. Takes nothing when it throws.
   bool set(void* value, ZmString* key, Destroy destroy) {
     return key && set(value, key, hash(zm_view(*key)), destroy);
   }
   bool set(void* value, ZmString* key, Hash key_hash, Destroy destroy);
   void* remove(const ZmString& key);
   bool resize(Destroy destroy);  // false: the growth is not made
-  void clear(Destroy destroy);   // a null destroy forgets the values
+  void clear(Destroy destroy);   // in the order of entries; a null destroy forgets the values
   // Takes the size, count and keys of the other table; each value is made by copy(its value).
   // This table must be clear.
   void copy(const ZmSlotTable& other, void* (*copy_value)(const void*));
+  // Whether a copy may hold entries that it does not find: those beyond a removed one.
+  bool anyremoved() const { return slots_.anyremoved(); }
 
   // Calls visit(key, value) for every pair: slot order, then the overflow in key order.
   template <class Visit>
   void each(Visit visit) const {
-    each_slot(visit);
-    each_beyond(visit);
+    each_if([](int) { return true; }, visit);
+  }
+  // The same for those that a lookup of their key finds.
+  template <class Visit>
+  void each_found(Visit visit) const {
+    const auto found = [this](int at) {
+      const Entry& entry = entries_[slots_.number(at)];
+      return locate(zm_view(*entry.key), entry.hash).found == at;
+    };
+    each_if(found, visit);
   }
 
  private:
-  using Pair = std::pair<ZmString*, void*>;
-  using Overflow = std::map<std::string_view, Pair>;
-  enum class Stored { kNew, kReplaced, kFull };
-  // What a mark says of its slot. Keys with a zero byte have a mark of their own, since they may be
-  // equal to others with another hash.
-  enum Mark : unsigned char { kEmpty, kRemoved, kZero, kMarks };
-  struct Slots {
-    ZmString** keys;
-    void** values;
-    std::uint32_t* hashes;
-    unsigned char* marks;
-    int size;
-  };
+  using Overflow = std::map<std::string_view, std::uint32_t>;
 
-  bool occupied(int i) const { return marks_[i] > kRemoved; }
-  static Slots allocated(int size);
-  static void release(const Slots& slots) noexcept;
-  Slots slots() const { return {keys_, values_, hashes_, marks_, size_}; }
-  template <class Visit>
-  void each_slot(Visit visit) const {
-    for (int i = 0; i < size_; ++i) {
-      if (i + 16 < size_) {  // slots lie in another order than memory
-        __builtin_prefetch(keys_[i + 16]);
-        __builtin_prefetch(values_[i + 16]);
-      }
-      if (occupied(i)) visit(keys_[i], values_[i]);
-    }
-  }
-  template <class Visit>
-  void each_beyond(Visit visit) const {
+  template <class Condition, class Visit>
+  void each_if(Condition condition, Visit visit) const {
+    const auto show = [&](const Entry& entry) { visit(entry.key, entry.value); };
+    for (int i = 0; i < slots_.size(); ++i)
+      if (slots_.occupied(i) && condition(i)) show(entries_[slots_.number(i)]);
     if (!overflow_) return;
-    for (const auto& [text, pair] : *overflow_) visit(pair.first, pair.second);
+    for (const auto& [text, number] : *overflow_) show(entries_[number]);
   }
-  template <class Visit>
-  bool each_in_memory(Visit visit) const;
+  std::size_t gaps() const { return entries_.size() - static_cast<std::size_t>(live_); }
+  void renumber() const;
+  void make_room();
+  void add(int at, const Entry& entry);
   static unsigned char mark(std::string_view key);
   template <class Text>
-  Spot seek(Hash key_hash, Text text) const;
-  void use(const Slots& slots);
-  void put(int at, const Pair& pair, Hash key_hash);
-  // Puts the pair where it belongs; the pair it replaces goes to `old`.
-  Stored store(const Pair& pair, Hash key_hash, Pair& old);
+  Spot seek(const ZmSlots& slots, Hash key_hash, Text text) const;
+  void replace(std::uint32_t number, const Entry& entry, Destroy destroy);
+  void drop(std::uint32_t number);
+  // Puts an entry into slots where it belongs; one of an equal key, which it replaces there, is
+  // added to `replaced`. False: no place.
+  bool store(ZmSlots& slots, std::uint32_t number, std::vector<std::uint32_t>& replaced) const;
   bool refused(long long size) const;
-  bool refill(const Slots& from, int& count, std::vector<Pair>& replaced);
-  void empty_overflow(std::vector<Pair>& replaced);
+  bool refill(ZmSlots& slots, std::vector<std::uint32_t>& replaced, int& count) const;
+  void empty_overflow(std::vector<std::uint32_t>& replaced);
 
-  ZmString** keys_ = nullptr;
-  ZmString removed_;  // never holds text; its address marks a removed slot
-  void** values_ = nullptr;
-  int size_ = 0;      // slots
-  int count_ = 0;     // entries; after a growth of several attempts it is more, and may be
-  int entries_ = 0;   // entries, exactly
-  int patience_ = 0;  // no growth before there are so many entries: the last one came to nothing
-  std::uint32_t* hashes_ = nullptr;  // of the occupied slots
-  unsigned char* marks_ = nullptr;   // of all slots
-  Overflow* overflow_ = nullptr;     // null while it is empty
+  // In the order in which keys were first set; an entry that is removed becomes a gap until the
+  // next renumber(), which changes nothing that shows. Every other entry has its number either in
+  // one slot or in the overflow.
+  mutable std::vector<Entry> entries_;
+  mutable ZmSlots slots_;
+  mutable std::unique_ptr<Overflow> overflow_;  // null while it is empty
+  int count_ = 0;                               // entries, and those of growth attempts that failed
+  int live_ = 0;                                // entries without the gaps
+  // No growth before there are so many entries: the last one tried sizes below the bound that had
+  // no place for all, and then met the bound. Another random size might have done, so a key set
+  // meanwhile may go to the overflow though a growth below the bound had found a place for it. That
+  // takes groups of keys made to collide, of some 30 keys of one hash each, with slots in common;
+  // without this every further key of such a group would cost a growth that comes to nothing.
+  int patience_ = 0;
 };
 
 #endif

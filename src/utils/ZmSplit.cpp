@@ -1,12 +1,11 @@
 #include "ZmSplit.h"
 
-#include <memory>
-
 #include "ZmText.h"
+#include "ZmTextList.h"
 
 namespace {
 
-constexpr ZmCharSet kSpace(" \t\r\n"), kQuote("\"'"), kParen("()"), kBracket("[]");
+constexpr ZmCharSet kQuote("\"'"), kParen("()"), kBracket("[]");
 constexpr ZmCharSet kSingle("()*+-/:?"), kRelation("<=>");
 constexpr ZmCharSet kExpressionStop(" \t\r\n+*/?:)(-&><=!|\"'");
 constexpr ZmCharSet kWordStop(" \t\r\n()\"'"), kRangeStop(" \t\r\n[]");
@@ -14,20 +13,9 @@ constexpr ZmCharSet kName("ABCDEFGHIJKLMNOPQRSTUVWXYZ_");
 constexpr ZmCharSet kCommandStop("ABCDEFGHIJKLMNOPQRSTUVWXYZ()");
 constexpr ZmCharSet kSplitStop(",\"'{"), kBrace("{}"), kBracketEnd("]");
 
-void push(ZmStringList& tokens, std::string_view text) {
-  auto token = std::make_unique<ZmString>(text.data(), static_cast<int>(text.size()));
-  if (tokens.push(token.get())) static_cast<void>(token.release());
-}
-
-std::string_view trimmed(std::string_view text) {
-  while (!text.empty() && kSpace.has(text.front())) text.remove_prefix(1);
-  while (!text.empty() && kSpace.has(text.back())) text.remove_suffix(1);
-  return text;
-}
-
 void appendspaceless(ZmString& to, std::string_view text) {
   for (const char c : text)
-    if (!kSpace.has(c)) to.append(c);
+    if (!kZmSpace.has(c)) to.append(c);
 }
 
 // Skips "{" and what belongs to it; gives the contents without the outer braces. An unclosed group
@@ -79,13 +67,13 @@ std::string_view splitelement(ZmCursor& in) {
     }
     in.until(kSplitStop);
   }
-  return trimmed(from.substr(0, from.size() - in.left()));
+  return zm_trimmed(from.substr(0, from.size() - in.left()));
 }
 
 }  // namespace
 
 bool ZmTokens::next(std::string_view& token) {
-  in_.skip(kSpace);
+  in_.skip(kZmSpace);
   if (in_.eof()) return false;
   if (syntax_ == ZmSyntax::kRange) {
     token = kBracket.has(in_.peek()) ? in_.take() : in_.until(kRangeStop);
@@ -137,17 +125,17 @@ std::string_view ZmTokens::_quoted() {
 
 void zm_tokenize(std::string_view text, ZmSyntax syntax, ZmStringList& tokens) {
   ZmTokens in(text, syntax);
-  for (std::string_view token; in.next(token);) push(tokens, token);
+  for (std::string_view token; in.next(token);) zm_push(tokens, token);
 }
 
 void zm_tokenize_command(std::string_view text, ZmStringList& tokens) {
-  for (ZmCursor in(text); !in.eof();) push(tokens, commandtoken(in));
+  for (ZmCursor in(text); !in.eof();) zm_push(tokens, commandtoken(in));
 }
 
 void zm_split(std::string_view text, ZmStringList& tokens) {
   for (ZmCursor in(text); !in.eof();) {
     const std::string_view element = splitelement(in);
-    if (in.accept(',') || !element.empty()) push(tokens, element);
+    if (in.accept(',') || !element.empty()) zm_push(tokens, element);
   }
 }
 
@@ -161,26 +149,26 @@ void zm_split_comma(std::string_view text, ZmStringList& tokens) {
       token += in.take();
     }
     if (in.accept(',')) {
-      push(tokens, token);
+      zm_push(tokens, token);
       token.clear();
-    } else if (in.skip(kSpace).empty()) {
+    } else if (in.skip(kZmSpace).empty()) {
       token += in.take();
     }
   }
-  if (!token.empty()) push(tokens, token);
+  if (!token.empty()) zm_push(tokens, token);
 }
 
 void zm_split_char(std::string_view text, char separator, ZmStringList& tokens) {
   while (!text.empty()) {
     const std::size_t end = text.find(separator);
-    push(tokens, text.substr(0, end));
+    zm_push(tokens, text.substr(0, end));
     text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
   }
 }
 
 void zm_split_space(std::string_view text, ZmStringList& tokens) {
   ZmCursor in(text);
-  for (in.skip(kSpace); !in.eof(); in.skip(kSpace)) push(tokens, in.until(kSpace));
+  for (in.skip(kZmSpace); !in.eof(); in.skip(kZmSpace)) zm_push(tokens, in.until(kZmSpace));
 }
 
 void zm_split_period(std::string_view text, ZmString& left, ZmString& right) {
@@ -194,7 +182,7 @@ bool zm_split_equal(std::string_view text, ZmString& left, ZmString& right) {
   appendspaceless(left, text.substr(0, end));
   if (end == std::string_view::npos) return false;
   ZmCursor in(text.substr(end + 1));
-  in.skip(kSpace);
+  in.skip(kZmSpace);
   zm_append(right, in.rest());
   return true;
 }
@@ -207,7 +195,7 @@ bool zm_split_becomes(std::string_view text, ZmString& left, ZmString& right) {
   appendspaceless(left, text.substr(0, end));
   if (text[end] != ':') return false;
   ZmCursor in(text.substr(end + 1));
-  in.skip(kSpace);
+  in.skip(kZmSpace);
   zm_append(right, in.rest());
   return true;
 }

@@ -1,7 +1,5 @@
 #include "ZmString.h"
 
-#include <locale.h>
-
 #include <algorithm>
 #include <cctype>
 #include <climits>
@@ -11,13 +9,10 @@
 #include <memory>
 #include <new>
 
-#include "ZmMemory.h"
 #include "ZmNumber.h"
 #include "ZmText.h"
 
 namespace {
-
-constexpr int kFloor = 16;  // smallest buffer in bytes
 
 constexpr ZmCharSet kSpace(" \t\r\n"), kLineEnd("\r\n");
 
@@ -67,7 +62,7 @@ ZmString::ZmString(const char* s, int n) {
 }
 ZmString::ZmString(const char* s) { copy(s); }
 ZmString::ZmString(const ZmString& other) : ZmBase(other), secure_(other.secure_) {
-  if (other.length_ > 0) _start(other.buffer_, other.length_, grown(other.length_ + 1LL));
+  if (other.length_ > 0) _start(other.value(), other.length_, grown(other.length_ + 1LL));
 }
 ZmString::ZmString(int value) { *this += value; }
 ZmString::ZmString(long long value) { *this += value; }
@@ -82,66 +77,81 @@ ZmString* ZmString::_exact(const char* s, int n) {
   return made.release();
 }
 
-// copy(s, n) for a string that has no buffer yet: most strings are made so.
-void ZmString::_start(const char* s, int n, int size) {
-  size_ = size < kFloor ? kFloor : size;
-  buffer_ = static_cast<char*>(zm_allocate(static_cast<std::size_t>(size_)));
-  std::memcpy(buffer_, s, static_cast<std::size_t>(n));
-  length_ = n;
-  buffer_[n] = 0;
+ZmString* ZmString::_exact(const ZmString& other) {
+  ZmString* const made = _exact(other.value(), other.length_);
+  made->secure_ = other.secure_;
+  return made;
 }
 
-void ZmString::_init() {
-  buffer_ = nullptr;
-  length_ = 0;
-  size_ = 0;
+// Takes a buffer of that many bytes, in the place of one that has been given up.
+char* ZmString::_start(int size) {
+  if (size <= kFloor) {
+    place_ = kInside;
+    return buffer_.inside;
+  }
+  char* const text = new char[static_cast<std::size_t>(size)];
+  buffer_.heap = {text, size};
+  place_ = kHeap;
+  return text;
+}
+
+// copy(s, n) for a string that has no buffer yet: most strings are made so.
+void ZmString::_start(const char* s, int n, int size) {
+  char* const text = _start(size);
+  std::memcpy(text, s, static_cast<std::size_t>(n));
+  length_ = n;
+  text[n] = 0;
 }
 
 void ZmString::_release() noexcept {
   if (secure_) wipe();
-  zm_release(buffer_, static_cast<std::size_t>(size_));
+  if (place_ == kHeap) delete[] buffer_.heap.text;
 }
 
 void ZmString::wipe() const {
-  if (buffer_) explicit_bzero(buffer_, static_cast<std::size_t>(size_));
+  if (!isundef()) explicit_bzero(_text(), static_cast<std::size_t>(_size()));
 }
 
 void ZmString::_resize(int n) {
   _drop();
-  _init();
-  const int size = n < kFloor ? kFloor : n;
-  buffer_ = static_cast<char*>(zm_allocate(static_cast<std::size_t>(size)));
-  size_ = size;
-  buffer_[0] = 0;
+  place_ = kNowhere;
+  length_ = 0;
+  buffer_.inside[0] = 0;
+  *_start(n) = 0;
 }
 
 void ZmString::copy(const char* s, int n) {
-  if (!s || s == buffer_) return;
+  if (!s || (s == value() && !isundef())) return;
   if (n <= 0) return clear();
-  if (size_ - 1 < n) {
-    // A source inside the buffer always fits it, so what is released here is not s.
-    _resize(grown(n + 1LL));
-  }
-  std::memmove(buffer_, s, static_cast<std::size_t>(n));
+  // A source inside the buffer always fits it, so what is released here is not s.
+  if (_size() - 1 < n) _resize(grown(n + 1LL));
+  std::memmove(_text(), s, static_cast<std::size_t>(n));
   length_ = n;
-  buffer_[n] = 0;
+  _text()[n] = 0;
+}
+
+void ZmString::_fit(const char* s, int n) {
+  if (n == INT_MAX) throw std::bad_alloc();
+  if (n <= 0) return clear();
+  if (_size() - 1 < n) _resize(n + 1);
+  copy(s, n);
 }
 
 void ZmString::copy(const char* s) {
-  if (!s || s == buffer_) return;
+  if (!s || (s == value() && !isundef())) return;
   const std::size_t n = std::strlen(s);
   if (n >= INT_MAX) throw std::bad_alloc();
-  if (size_ < static_cast<int>(n) + 1) _resize(grown(static_cast<long long>(n) + 1));
-  std::memmove(buffer_, s, n);
+  if (_size() < static_cast<int>(n) + 1) _resize(grown(static_cast<long long>(n) + 1));
+  std::memmove(_text(), s, n);
   // A bounded copy fills up with zeros: nothing of a longer old text stays behind.
-  std::memset(buffer_ + n, 0, static_cast<std::size_t>(size_) - n);
+  std::memset(_text() + n, 0, static_cast<std::size_t>(_size()) - n);
   length_ = static_cast<int>(n);
 }
 
 void ZmString::copy(const ZmString& other) {
   secure_ = other.secure_;
   if (other.length_ > 0) {
-    copy(other.buffer_, other.length_);
+    copy(other.value(), other.length_);
   } else {
     clear();
   }
@@ -171,20 +181,21 @@ void ZmString::append(const char* s) {
 void ZmString::_append(const char* s, int n) {
   const long long need = static_cast<long long>(length_) + n + 1;
   const auto count = static_cast<std::size_t>(n);
-  if (size_ >= need) {
+  if (isundef()) _start(grown(need));
+  if (_size() >= need) {
     // memmove: s may be a piece of this very text.
-    std::memmove(buffer_ + length_, s, count);
+    std::memmove(_text() + length_, s, count);
   } else {
-    const int size = grown(need) < kFloor ? kFloor : grown(need);
-    auto* buffer = static_cast<char*>(zm_allocate(static_cast<std::size_t>(size)));
-    if (length_ > 0) std::memcpy(buffer, buffer_, static_cast<std::size_t>(length_));
-    std::memcpy(buffer + length_, s, count);  // before the old buffer goes: s may point into it
+    const int size = grown(need);
+    char* const text = new char[static_cast<std::size_t>(size)];
+    std::memcpy(text, value(), static_cast<std::size_t>(length_));
+    std::memcpy(text + length_, s, count);  // before the old buffer goes: s may point into it
     _drop();
-    buffer_ = buffer;
-    size_ = size;
+    buffer_.heap = {text, size};
+    place_ = kHeap;
   }
   length_ += n;
-  buffer_[length_] = 0;
+  _text()[length_] = 0;
 }
 
 ZmString& ZmString::operator+=(const char* s) {
@@ -209,19 +220,14 @@ ZmString& ZmString::operator+=(float value) {
 
 unsigned char ZmString::operator==(const ZmString& other) const {
   if (length_ != other.length_) return 0;
-  return length_ == 0 || std::strcmp(buffer_, other.buffer_) == 0;
+  return length_ == 0 || std::strcmp(value(), other.value()) == 0;
 }
 
 unsigned char ZmString::compare(const ZmString& other, int mode) const {
   if (length_ != other.length_) return 0;
   if (length_ == 0) return 1;
-  if (mode == 0) return std::strcmp(buffer_, other.buffer_) == 0;
-  return mode == 1 && strcasecmp(buffer_, other.buffer_) == 0;
-}
-
-int ZmString::cmp(const ZmString& other) const {
-  if (length_ <= 0) return other.length_ <= 0 ? 0 : -1;
-  return other.length_ <= 0 ? 1 : std::strcmp(buffer_, other.buffer_);
+  if (mode == 0) return std::strcmp(value(), other.value()) == 0;
+  return mode == 1 && strcasecmp(value(), other.value()) == 0;
 }
 
 unsigned char ZmString::operator<(const ZmString& other) const { return cmp(other) < 0; }
@@ -231,13 +237,13 @@ unsigned char ZmString::find(const ZmString& s) const {
   if (length_ < s.length_) return 0;
   // Equality ends at a zero byte: what s has behind its first one must fit, and no more.
   const auto whole = static_cast<std::size_t>(s.length_);
-  const std::size_t needle = std::min(std::strlen(s.buffer_) + 1, whole);
+  const std::size_t needle = std::min(std::strlen(s.value()) + 1, whole);
   const std::size_t room = static_cast<std::size_t>(length_) - (whole - needle);
-  return memmem(buffer_, room, s.buffer_, needle) != nullptr;
+  return memmem(value(), room, s.value(), needle) != nullptr;
 }
 
 unsigned char ZmString::haschar(char c) const {
-  return length_ > 0 && std::memchr(buffer_, c, static_cast<std::size_t>(length_)) != nullptr;
+  return length_ > 0 && std::memchr(value(), c, static_cast<std::size_t>(length_)) != nullptr;
 }
 
 unsigned char ZmString::hasspace() const { return contains(zm_view(*this), kSpace); }
@@ -264,7 +270,7 @@ unsigned char ZmString::isfloat() const {
 ZmString ZmString::substr(int start, int end) const {
   const int from = start < 0 ? 0 : start;
   const int to = end < length_ ? end : length_;
-  return from < to ? ZmString(buffer_ + from, to - from) : ZmString();
+  return from < to ? ZmString(value() + from, to - from) : ZmString();
 }
 
 ZmString ZmString::tolower() const { return mapped(zm_view(*this), lower); }
@@ -296,8 +302,8 @@ ZmString ZmString::replacevalue(const ZmString& from, const ZmString& to,
   while (!in.eof()) {
     const std::string_view piece = in.rest().substr(0, static_cast<std::size_t>(from.length_));
     const bool match = piece.size() == zm_view(from).size() &&
-                       (exact ? piece[0] == from.buffer_[0] &&
-                                    std::strncmp(piece.data(), from.buffer_, piece.size()) == 0
+                       (exact ? piece[0] == from.value()[0] &&
+                                    std::strncmp(piece.data(), from.value(), piece.size()) == 0
                               : samefolded(piece, zm_view(from)));
     if (match) {
       in.take(piece.size());
@@ -312,26 +318,25 @@ ZmString ZmString::replacevalue(const ZmString& from, const ZmString& to,
 char* ZmString::copyvalue() const {
   const auto n = static_cast<std::size_t>(length_);
   auto text = std::make_unique<char[]>(n + 1);  // all zero bytes
-  if (n > 0) std::strncpy(text.get(), buffer_, n);
+  if (n > 0) std::strncpy(text.get(), value(), n);
   return text.release();
 }
 
-int ZmString::integervalue() const { return length_ < 1 ? 0 : std::atoi(buffer_); }
+// The type of the number is not the machine's.
+int ZmString::integervalue() const { return static_cast<int>(longlongvalue()); }
 
 long long ZmString::longlongvalue() const {
-  return length_ < 1 ? 0 : std::strtoll(buffer_, nullptr, 10);
+  return length_ < 1 ? 0 : std::strtoll(value(), nullptr, 10);
 }
 
 float ZmString::floatvalue() const {
-  // A program may have set a locale with another decimal point; texts keep theirs.
-  static const locale_t plain = ::newlocale(LC_ALL_MASK, "C", nullptr);
-  return length_ < 1 ? 0.0F : static_cast<float>(::strtod_l(buffer_, nullptr, plain));
+  return length_ < 1 ? 0.0F : static_cast<float>(::strtod_l(value(), nullptr, zm_plain_locale()));
 }
 
 unsigned int ZmString::_hex(int digits) const {
   unsigned int value = 0;
   for (int i = 0; i < digits && i < length_; ++i)
-    value = (value << 4) + static_cast<unsigned int>(hexdigit(buffer_[i]));
+    value = (value << 4) + static_cast<unsigned int>(hexdigit(get(i)));
   return value;
 }
 
@@ -368,11 +373,13 @@ ZmString ZmString::padded_int(int value, int width) {
 }
 
 void ZmString::_debug_info() const {
-  std::cout << "ZmString:\n\tsize: " << size_ << "\n\tlength: " << length_ << "\n\tdata: '"
+  std::cout << "ZmString:\n\tsize: " << _size() << "\n\tlength: " << length_ << "\n\tdata: '"
             << value() << "'\n";
 }
 
 namespace {
+
+int code(char c) { return static_cast<signed char>(c); }
 
 template <class Left, class Right>
 ZmString joined(const Left& left, const Right& right) {
@@ -386,8 +393,8 @@ ZmString joined(const Left& left, const Right& right) {
 ZmString operator+(const ZmString& a, const ZmString& b) { return joined(a, b); }
 ZmString operator+(const ZmString& a, const char* b) { return joined(a, b); }
 ZmString operator+(const char* a, const ZmString& b) { return joined(a, b); }
-ZmString operator+(const ZmString& a, char b) { return joined(a, static_cast<int>(b)); }
-ZmString operator+(char a, const ZmString& b) { return joined(static_cast<int>(a), b); }
+ZmString operator+(const ZmString& a, char b) { return joined(a, code(b)); }
+ZmString operator+(char a, const ZmString& b) { return joined(code(a), b); }
 ZmString operator+(int a, const ZmString& b) { return joined(a, b); }
 ZmString operator+(const ZmString& a, int b) { return joined(a, b); }
 ZmString operator+(float a, const ZmString& b) { return joined(a, b); }

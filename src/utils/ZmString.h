@@ -4,22 +4,24 @@
 /// @file
 /// ZmString, its concatenation and its output.
 
+#include <cstring>
 #include <iosfwd>
 
 #include "ZmBase.h"
 
-/// The one text type: a mutable byte string on the heap with a terminating zero.
+/// The one text type: a mutable byte string with a terminating zero.
 ///
 /// A string is *undefined* until it is first given a buffer; it then reads as "" and equals every
 /// empty string. Length and capacity are signed 32-bit and count bytes. Growth asks for four times
 /// the bytes needed (text and terminator), never fewer than 16; the capacity stops at the largest
 /// 32-bit value, and a text that would need more fails as an allocation failure does
-/// (std::bad_alloc). A `secure` string overwrites every buffer it gives up with zero bytes.
+/// (std::bad_alloc). A buffer of 16 bytes stands in the string itself, a larger one on the heap. A
+/// `secure` string overwrites every buffer it gives up with zero bytes.
 ///
 /// Zero bytes may stand inside a text and are counted by length(); comparisons and the readers of
 /// numbers stop at the first one. Every operation also accepts the string itself, or a piece of
 /// its own text, as its argument. One thread at a time.
-class ZmString : public ZmBase {
+class ZM_EXPORT ZmString : public ZmBase {
  public:
   /// @name Construction
   /// @{
@@ -67,9 +69,8 @@ class ZmString : public ZmBase {
   }  ///< The virtual copy(*other); null is ignored.
   /// Makes a defined string empty and keeps its buffer, unwiped; an undefined one stays undefined.
   void clear() {
-    if (!buffer_) return;
     length_ = 0;
-    buffer_[0] = 0;
+    *_text() = 0;
   }
   /// @}
 
@@ -77,14 +78,14 @@ class ZmString : public ZmBase {
   /// @{
 
   /// The text with its terminating zero, lent until the next change; "" when undefined, never null.
-  const char* value() const { return buffer_ ? buffer_ : &empty_; }
-  unsigned char isundef() const { return buffer_ == nullptr; }  ///< 1 when there is no buffer.
+  const char* value() const { return place_ == kHeap ? buffer_.heap.text : buffer_.inside; }
+  unsigned char isundef() const { return place_ == kNowhere; }  ///< 1 when there is no buffer.
   int length() const { return length_; }                        ///< Bytes in use.
   /// The byte at position i (from 0); 0 outside the text.
-  char get(int i) const { return i >= 0 && i < length_ ? buffer_[i] : '\0'; }
+  char get(int i) const { return i >= 0 && i < length_ ? value()[i] : '\0'; }
   /// Stores c at position i when that is inside the text; returns c in any case.
   char set(int i, char c) {
-    if (i >= 0 && i < length_) buffer_[i] = c;
+    if (i >= 0 && i < length_) _text()[i] = c;
     return c;
   }
   unsigned char secure() const { return secure_; }         ///< The flag.
@@ -94,16 +95,26 @@ class ZmString : public ZmBase {
   /// The one allocation point: replaces the buffer by one of max(n, 16) bytes, wiping the old one
   /// when `secure`. The text is lost: the string is then empty.
   void _resize(int n);
+  /// copy(s, n) without room to grow, should it need another buffer.
+  void _fit(const char* s, int n);
+  /// copy(other) likewise.
+  void _fit(const ZmString& other) {
+    secure_ = other.secure_;
+    _fit(other.value(), other.length_);
+  }
   /// A new string of n bytes, without room to grow; undefined when n <= 0. The caller owns it.
   static ZmString* _exact(const char* s, int n);
+  /// A copy likewise.
+  static ZmString* _exact(const ZmString& other);
   /// @}
 
   /// @name Appending
   /// @{
   void append(char c) {
-    if (length_ < size_ - 1) {
-      buffer_[length_++] = c;
-      buffer_[length_] = 0;
+    if (length_ < _size() - 1) {
+      char* const end = _text() + length_++;
+      end[0] = c;
+      end[1] = 0;
     } else {
       _append(&c, 1);
     }
@@ -117,7 +128,7 @@ class ZmString : public ZmBase {
   ZmString& operator+=(const char* s);  ///< append(s).
   /// Its text; nothing when it is empty.
   ZmString& operator+=(const ZmString& other) {
-    if (other.length_ > 0) append(other.buffer_, other.length_);
+    if (other.length_ > 0) append(other.value(), other.length_);
     return *this;
   }
   /// Its text; nothing when null.
@@ -142,7 +153,10 @@ class ZmString : public ZmBase {
   /// mode; other texts are different in any other mode.
   unsigned char compare(const ZmString& other, int mode) const;
   /// Three-way, for sorting: negative, 0 or positive.
-  int cmp(const ZmString& other) const;
+  int cmp(const ZmString& other) const {
+    if (length_ <= 0) return other.length_ <= 0 ? 0 : -1;
+    return other.length_ <= 0 ? 1 : std::strcmp(value(), other.value());
+  }
   /// Less.
   unsigned char operator<(const ZmString& other) const;
   /// Greater.
@@ -191,7 +205,7 @@ class ZmString : public ZmBase {
   /// @name Reading numbers
   /// An empty string reads as 0.
   /// @{
-  int integervalue() const;         ///< As atoi.
+  int integervalue() const;         ///< longlongvalue() modulo 2^32, as atoi on most machines.
   long long longlongvalue() const;  ///< As strtoll in base 10.
   float floatvalue() const;         ///< As atof in the "C" locale, narrowed.
   /// Every byte shifts by four bits; hexadecimal digits add their value, other bytes add 0. Wraps.
@@ -218,19 +232,32 @@ class ZmString : public ZmBase {
  private:
   friend bool zm_read_file(const ZmString& path, ZmString& text);
 
+  static constexpr int kFloor = 16;  // bytes of the smallest buffer
+  enum Place : unsigned char { kNowhere, kInside, kHeap };
+  struct Heap {
+    char* text;
+    int size;
+  };
+
+  char* _text() const { return place_ == kHeap ? buffer_.heap.text : buffer_.inside; }
+  int _size() const { return place_ == kHeap ? buffer_.heap.size : place_ * kFloor; }
+  char* _start(int size);
   void _start(const char* s, int n, int size);
-  void _init();
   void _drop() noexcept {
-    if (buffer_) _release();
+    if (place_ == kHeap || secure_) _release();
   }
   void _release() noexcept;
   void _append(const char* s, int n);  // n > 0
   unsigned int _hex(int digits) const;
 
-  char* buffer_ = nullptr;  // null: undefined; else a zero byte stands at length_
+  union Buffer {
+    char inside[kFloor] = {};
+    Heap heap;
+  };
+  // The text, with a zero byte at length_; when undefined too, since value() is then "".
+  mutable Buffer buffer_{};  // wipe() is const
   int length_ = 0;
-  char empty_ = 0;  // what value() points at while undefined
-  int size_ = 0;    // capacity in bytes
+  Place place_ = kNowhere;  // where the buffer is
   unsigned char secure_ = 0;
 };
 
@@ -238,20 +265,21 @@ class ZmString : public ZmBase {
 /// Each gives a new string: a copy of the left operand (its `secure` flag included), then the
 /// right.
 /// @{
-ZmString operator+(const ZmString& a, const ZmString& b);  ///< a, then b.
-ZmString operator+(const ZmString& a, const char* b);      ///< a, then b.
-ZmString operator+(const char* a, const ZmString& b);      ///< a, then b.
-/// The character's decimal code is appended, not the character; callers rely on it.
-ZmString operator+(const ZmString& a, char b);
-/// The character's decimal code, sign-extended, stands first.
-ZmString operator+(char a, const ZmString& b);
-ZmString operator+(int a, const ZmString& b);    ///< The decimal text of a, then b.
-ZmString operator+(const ZmString& a, int b);    ///< a, then the decimal text of b.
-ZmString operator+(float a, const ZmString& b);  ///< The text of "%f" for a, then b.
-ZmString operator+(const ZmString& a, float b);  ///< a, then the text of "%f" for b.
+ZM_EXPORT ZmString operator+(const ZmString& a, const ZmString& b);  ///< a, then b.
+ZM_EXPORT ZmString operator+(const ZmString& a, const char* b);      ///< a, then b.
+ZM_EXPORT ZmString operator+(const char* a, const ZmString& b);      ///< a, then b.
+/// The character's decimal code is appended, not the character; callers rely on it. Bytes of 128
+/// and above are negative on every machine.
+ZM_EXPORT ZmString operator+(const ZmString& a, char b);
+/// The character's decimal code stands first.
+ZM_EXPORT ZmString operator+(char a, const ZmString& b);
+ZM_EXPORT ZmString operator+(int a, const ZmString& b);    ///< The decimal text of a, then b.
+ZM_EXPORT ZmString operator+(const ZmString& a, int b);    ///< a, then the decimal text of b.
+ZM_EXPORT ZmString operator+(float a, const ZmString& b);  ///< The text of "%f" for a, then b.
+ZM_EXPORT ZmString operator+(const ZmString& a, float b);  ///< a, then the text of "%f" for b.
 /// @}
 
 /// Writes value().
-std::ostream& operator<<(std::ostream& out, const ZmString& s);
+ZM_EXPORT std::ostream& operator<<(std::ostream& out, const ZmString& s);
 
 #endif

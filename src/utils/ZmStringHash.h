@@ -5,7 +5,7 @@
 #include "ZmString.h"
 
 /// A hash of texts.
-class ZmStringHash : public ZmHash<ZmString> {
+class ZM_EXPORT ZmStringHash : public ZmHash<ZmString> {
  public:
   int type() const override { return 56; }                     ///< The type code.
   ZmString typeXML() const override { return "string_hash"; }  ///< The XML element name.

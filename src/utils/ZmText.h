@@ -20,6 +20,12 @@ inline void zm_append(ZmString& to, std::string_view text) {
   to.append(text.data(), static_cast<int>(text.size()));
 }
 
+// What is lent where there is no text.
+inline const ZmString& zm_no_text() {
+  static const ZmString none;
+  return none;
+}
+
 // An empty text may have no bytes at all, which copy() would ignore.
 inline void zm_assign(ZmString& to, std::string_view text) {
   to.clear();

@@ -1,12 +1,26 @@
 #include "ZmWriter.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
 
+namespace {
+
+// Whether a write that failed is worth another try: after an interruption, or once a pipe that
+// doesn't wait takes bytes again.
+bool again(int fd) {
+  if (errno == EINTR) return true;
+  if (errno != EAGAIN) return false;
+  pollfd room{fd, POLLOUT, 0};
+  return ::poll(&room, 1, -1) > 0 || errno == EINTR;
+}
+
+}  // namespace
+
 void ZmWriter::make_room(std::string_view text) {
   flush();
-  if (text.size() > buffer_.size()) return send(text);
+  if (text.size() > buffer_.size()) return send(text);  // copying it would gain nothing
   write(text);
 }
 
@@ -16,6 +30,7 @@ bool ZmWriter::flush() {
   return good_;
 }
 
+// A streambuf without a put area: every byte that a stream writes comes here or to xsputn().
 ZmWriter::int_type ZmWriter::overflow(int_type c) {
   if (c != traits_type::eof()) write(traits_type::to_char_type(c));
   return traits_type::not_eof(c);
@@ -31,8 +46,8 @@ void ZmWriter::send(std::string_view text) {
     const ssize_t n = ::write(fd_, text.data(), text.size());
     if (n >= 0) {
       text.remove_prefix(static_cast<std::size_t>(n));
-    } else if (errno != EINTR) {
-      good_ = false;
+    } else {
+      good_ = again(fd_);
     }
   }
 }

@@ -22,8 +22,8 @@ class ZmWriter : public std::streambuf {
     used_ += text.size();
   }
   void write(char c) { write(std::string_view(&c, 1)); }
-  // Writes what is collected. False once anything could not be written; what follows is then
-  // dropped.
+  // Writes what is collected, and waits where it must. False once anything could not be written;
+  // what follows is then dropped.
   bool flush();
 
  protected:

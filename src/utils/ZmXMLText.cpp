@@ -13,7 +13,7 @@ namespace {
 constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 constexpr ZmCharSet kNameStart("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_"),
-    kName("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_0123456789-."), kBlank(" \t\r\n");
+    kName("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_0123456789-.");
 
 // The bytes below 128 that are characters of XML.
 constexpr ZmCharSet kAscii(
@@ -88,7 +88,7 @@ bool zm_from_base64(std::string_view text, ZmString& bytes) {
   std::uint32_t bits = 0;
   int digits = 0;
   ZmCursor in(text);
-  for (in.skip(kBlank); !in.eof() && !in.is('='); in.skip(kBlank)) {
+  for (in.skip(kZmSpace); !in.eof() && !in.is('='); in.skip(kZmSpace)) {
     const int digit = kDigits[static_cast<unsigned char>(in.take()[0])];
     if (digit < 0) return false;
     bits = bits << 6 | static_cast<std::uint32_t>(digit);
@@ -96,7 +96,7 @@ bool zm_from_base64(std::string_view text, ZmString& bytes) {
       for (int shift = 16; shift >= 0; shift -= 8) bytes.append(static_cast<char>(bits >> shift));
   }
   const int rest = digits % 4;
-  for (int i = rest; i > 0 && i < 4; ++i, in.skip(kBlank))
+  for (int i = rest; i > 0 && i < 4; ++i, in.skip(kZmSpace))
     if (!in.accept('=')) return false;
   if (rest == 1 || !in.eof()) return false;
   // What the padding stands for: the bits below the last whole byte must be unset.

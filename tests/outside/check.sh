@@ -1,6 +1,6 @@
 #!/bin/sh
 # Uses an installed tree as a stranger would: runs the tool, builds an example by CMake and by
-# pkg-config, and compiles each header alone.
+# pkg-config, and compiles each header alone. A shared library has to show what is public, no more.
 #   check.sh PREFIX WORKDIR
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
@@ -28,6 +28,10 @@ for static in "" --static; do
   g++ -std=c++20 -o "$work/outside" "$examples/threads.cpp" \
     $(pkg-config --cflags --libs $static ZmApi)
   try "$work/outside"
+done
+
+for library in "$LD_LIBRARY_PATH"/libZmApi.so; do
+  [ ! -e "$library" ] || "$here/exported.sh" "$library"
 done
 
 for header in "$prefix"/include/torvel/*.h; do

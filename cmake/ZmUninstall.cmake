@@ -1,0 +1,28 @@
+# cmake -D MANIFEST=FILE -P ZmUninstall.cmake: removes the files that FILE lists, below $DESTDIR as
+# the installation was, and those directories that were made for them.
+if(NOT EXISTS "${MANIFEST}")
+  message(FATAL_ERROR "Nothing was installed from here: there is no ${MANIFEST}")
+endif()
+file(STRINGS "${MANIFEST}" files)
+set(directories)
+foreach(file IN LISTS files)
+  set(file "$ENV{DESTDIR}${file}")
+  message(STATUS "Removing: ${file}")
+  file(REMOVE "${file}")
+  if(EXISTS "${file}" OR IS_SYMLINK "${file}")
+    message(FATAL_ERROR "cannot remove ${file}")
+  endif()
+  string(REGEX MATCH "^.*/(torvel|ZmApi|doc/Torvel)/" directory "${file}")
+  if(directory)
+    list(APPEND directories "${directory}" "${directory}examples")
+  endif()
+endforeach()
+
+list(REMOVE_DUPLICATES directories)
+list(SORT directories ORDER DESCENDING)  # what lies within first
+foreach(directory IN LISTS directories)
+  file(GLOB left "${directory}/*")
+  if(NOT left)
+    file(REMOVE_RECURSE "${directory}")
+  endif()
+endforeach()

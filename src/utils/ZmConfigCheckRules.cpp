@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "ZmConfigSurvey.h"
-#include "ZmCursor.h"
 #include "ZmRange.h"
 #include "ZmText.h"
+#include "ZmTextCursor.h"
 
 namespace {
 
@@ -201,7 +201,7 @@ bool padded(std::string_view number) { return number.size() > 1 && number[0] == 
 // The numbers in a text that are no part of a longer word.
 std::vector<std::string_view> numbers(std::string_view text) {
   std::vector<std::string_view> found;
-  for (ZmCursor in(text); !in.eof(); in.take()) {
+  for (ZmTextCursor in(text); !in.eof(); in.take()) {
     const std::string_view digits = in.skip(kDigit);
     if (!digits.empty()) found.push_back(digits);
     if (in.eof()) break;
@@ -217,7 +217,7 @@ void lost_padding(Survey& survey, const ZmConfigHeading& it) {
       survey.report(it.at, length, "bare numbers lose their leading zeros");
     return;
   }
-  for (ZmCursor in(it.name); !in.eof(); in.take()) {
+  for (ZmTextCursor in(it.name); !in.eof(); in.take()) {
     in.until(kOpen);
     in.take();
     const auto range = numbers(in.until(kClose));

@@ -2,8 +2,8 @@
 
 #include <set>
 
-#include "ZmCursor.h"
 #include "ZmText.h"
+#include "ZmTextCursor.h"
 
 namespace {
 
@@ -142,7 +142,7 @@ std::string ZmConfigHistory::joined(const ZmConfig& section, const ZmString& val
   const auto* found = known(watched_, {std::string(name), label}, std::string(name));
   std::string text;
   std::size_t next = 0;
-  for (ZmCursor in(zm_view(value)); !in.eof();) {
+  for (ZmTextCursor in(zm_view(value)); !in.eof();) {
     const bool reference = in.is('$');
     const ZmConfigPiece piece = scope.next(in, name);
     if (!reference) text += piece.text;

@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
+#include "ZmConfigExpander.h"
 #include "ZmConfigHash.h"
 #include "ZmConfigObserver.h"
 #include "ZmConfigScanner.h"
-#include "ZmExpander.h"
 #include "ZmString.h"
 
 // Lives for one parse() call and borrows everything it is given.
@@ -42,7 +42,7 @@ class ZmConfigReader {
     Option(std::string_view label, std::string_view value);
     std::string_view label;
     std::string_view value;
-    ZmSlotTable::Hash hash;            // of the label
+    ZmBaseHashTable::Hash hash;        // of the label
     bool references;                   // whether the value holds any
     bool local;                        // whether they name "self" or "this"
     const ZmConfig* parent = nullptr;  // that lends it
@@ -79,7 +79,7 @@ class ZmConfigReader {
   Target section(const ZmString& name);
   void expand();
   std::vector<int> positions(const Created& created) const;
-  void expand(ZmExpander& expander, ZmConfig& config, int label);
+  void expand(ZmConfigExpander& expander, ZmConfig& config, int label);
 
   ZmConfigHash& sections_;
   const ZmString& default_section_;

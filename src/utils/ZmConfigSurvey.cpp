@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "ZmConfigReader.h"
-#include "ZmCursor.h"
 #include "ZmText.h"
+#include "ZmTextCursor.h"
 
 namespace {
 
@@ -44,7 +44,7 @@ void ZmConfigSurvey::report_dropped(std::size_t at, std::size_t source, std::str
 }
 
 const ZmConfig* ZmConfigSurvey::section(std::string_view name) const {
-  return sections_._get(name, ZmSlotTable::hash(name));
+  return sections_._get(name, ZmBaseHashTable::hash(name));
 }
 
 std::size_t ZmConfigSurvey::line_end(std::size_t at) const {
@@ -190,7 +190,7 @@ bool ZmConfigSurvey::keeps(std::string_view text) const {
 void ZmConfigSurvey::comment(std::size_t at) {
   constexpr std::string_view kMark = "zmconfigcheck:", kIgnore = "ignore";
   if (text().size() < places_.size()) comments_.push_back(at);
-  ZmCursor in(text().substr(at + 1));
+  ZmTextCursor in(text().substr(at + 1));
   in.skip(kBlank);
   if (!in.rest().starts_with(kMark)) return;
   in.take(kMark.size());
@@ -210,7 +210,7 @@ void ZmConfigSurvey::silence(std::size_t at, std::size_t names) {
     silence.to = line_end(silence.from);
   }
   constexpr ZmCharSet kBetween(" \t,"), kStop(" \t,\r\n");
-  ZmCursor in(text().substr(names, end - names));
+  ZmTextCursor in(text().substr(names, end - names));
   for (in.skip(kBetween); !in.eof(); in.skip(kBetween)) {
     const std::size_t place = end - in.left();
     const std::string_view name = in.until(kStop);
@@ -318,7 +318,7 @@ std::vector<ZmConfigSurvey::Mark> ZmConfigSurvey::references(const Written& writ
   std::vector<Mark> marks;
   const std::vector<std::uint32_t> at = offsets(written);
   const ZmConfigScope scope{sections_, home, section(home)};
-  for (ZmCursor in(written.raw); !in.eof();) {
+  for (ZmTextCursor in(written.raw); !in.eof();) {
     const std::size_t from = written.raw.size() - in.left();
     const ZmConfigPiece piece = scope.next(in, home);
     if (written.raw[from] != '$') continue;

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "ZmNumber.h"
 #include "ZmRange.h"
 #include "ZmText.h"
+#include "ZmTextNumber.h"
 
 namespace {
 
@@ -25,7 +25,7 @@ std::vector<int> held(const ZmRange& range) {
 
 // A few digits can ask for gigabytes.
 bool modest(std::string_view text) {
-  ZmCursor in(text);
+  ZmTextCursor in(text);
   while (!in.eof())
     if (zm_digits(in).count > 3)
       return false;

@@ -44,7 +44,7 @@ void checktokens(std::string_view text) {
     last = at;
   }
   std::string joined;
-  for (ZmCursor in(text); !in.eof();) joined += zm_value_word(in);
+  for (ZmTextCursor in(text); !in.eof();) joined += zm_value_word(in);
   require(joined == text);
 }
 
@@ -65,7 +65,7 @@ struct Recursion {
   // Calls `copy` for what is copied as it is and `refer` for each qualified reference.
   template <class Copy, class Refer>
   void pieces(std::string_view self, std::string_view value, Copy copy, Refer refer) {
-    for (ZmCursor in(value); !in.eof() && ++steps < 50000;) {
+    for (ZmTextCursor in(value); !in.eof() && ++steps < 50000;) {
       std::string_view word = zm_value_word(in);
       if (word != "$") {
         copy(word);

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "ZmBigEndian.h"
+#include "ZmPackBigEndian.h"
 #include "ZmStringHash.h"
 #include "ZmStringList.h"
 #include "ZmText.h"

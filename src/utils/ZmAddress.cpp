@@ -9,10 +9,10 @@
 #include <cstring>
 #include <ostream>
 
-#include "ZmCursor.h"
 #include "ZmDebug.h"
-#include "ZmNumber.h"
 #include "ZmText.h"
+#include "ZmTextCursor.h"
+#include "ZmTextNumber.h"
 
 namespace {
 
@@ -25,7 +25,7 @@ int octet(int value, int i) {
 }
 
 // One number below 256. What is left of it behind leading zeros can't wrap.
-bool isoctet(ZmCursor& in) {
+bool isoctet(ZmTextCursor& in) {
   const bool zeros = !in.skip(kZero).empty();
   const ZmDigits digits = zm_digits(in);
   return (zeros || digits.count > 0) && digits.count <= 3 && digits.value < 256;
@@ -50,7 +50,7 @@ void ZmAddress::decodeXML() {
 }
 
 void ZmAddress::copy(const ZmString& text) {
-  ZmCursor in(zm_view(text));
+  ZmTextCursor in(zm_view(text));
   std::uint32_t value = 0;
   for (int i = 0; i < 4; ++i) {
     value = value << 8 | (zm_digits(in).value & 0xff);
@@ -87,7 +87,7 @@ ZmString ZmAddress::hexvalue() const {
 }
 
 unsigned char ZmAddress::isaddress(const ZmString& text) {
-  ZmCursor in(zm_view(text));
+  ZmTextCursor in(zm_view(text));
   for (int i = 0; i < 4; ++i)
     if ((i > 0 && !in.accept('.')) || !isoctet(in)) return 0;
   return in.eof();

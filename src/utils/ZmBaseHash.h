@@ -4,8 +4,8 @@
 #include <memory>
 #include <type_traits>
 
+#include "ZmBaseHashTable.h"
 #include "ZmBaseList.h"
-#include "ZmSlotTable.h"
 #include "ZmString.h"
 
 /// Maps text keys to owned object pointers, in an open-addressing table.
@@ -31,7 +31,7 @@ class ZM_EXPORT ZmBaseHash {
 
   /// The hash of a key: each byte, as a signed number, times 7 to the power of its position; wraps.
   unsigned int _key(const ZmString& key) const {
-    return static_cast<unsigned int>(ZmSlotTable::hash(zm_view(key)));
+    return static_cast<unsigned int>(ZmBaseHashTable::hash(zm_view(key)));
   }
   /// The value stored under the key, lent; null when there is none.
   T* get(const ZmString& key) const { return static_cast<T*>(table_.get(key)); }
@@ -78,18 +78,18 @@ class ZM_EXPORT ZmBaseHash {
 
   /// @name For callers that know the hash of the key
   /// @{
-  T* _get(std::string_view key, ZmSlotTable::Hash hash) const {
+  T* _get(std::string_view key, ZmBaseHashTable::Hash hash) const {
     return static_cast<T*>(table_.get(key, hash));
   }  ///< As get().
-  const ZmString* _stored(std::string_view key, ZmSlotTable::Hash hash) const {
-    const ZmSlotTable::Entry* held = table_.find(key, hash);
+  const ZmString* _stored(std::string_view key, ZmBaseHashTable::Hash hash) const {
+    const ZmBaseHashTable::Entry* held = table_.find(key, hash);
     return held ? held->key : nullptr;
   }  ///< The hash's own key, lent; null when there is none.
-  unsigned char _set(T* value, ZmString* key, ZmSlotTable::Hash hash) {
+  unsigned char _set(T* value, ZmString* key, ZmBaseHashTable::Hash hash) {
     return table_.set(value, key, hash, _destroy);
-  }                                                     ///< As set().
-  const ZmSlotTable& _table() const { return table_; }  ///< For walking over the pairs.
-  ZmSlotTable& _table() {
+  }                                                         ///< As set().
+  const ZmBaseHashTable& _table() const { return table_; }  ///< For walking over the pairs.
+  ZmBaseHashTable& _table() {
     return table_;
   }  ///< For storing without a second search.
      /// @}
@@ -106,7 +106,7 @@ class ZM_EXPORT ZmBaseHash {
     return object.release();
   }
 
-  ZmSlotTable table_;
+  ZmBaseHashTable table_;
 };
 
 #endif

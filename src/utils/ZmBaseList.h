@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "ZmPointerArray.h"
+#include "ZmBaseListArray.h"
 
 /// The one ordered container: an owning array of object pointers.
 ///
@@ -66,10 +66,10 @@ class ZM_EXPORT ZmBaseList {
   }
 
  protected:
-  ZmPointerArray& _array() { return array_; }  ///< For the library's own sorting.
+  ZmBaseListArray& _array() { return array_; }  ///< For the library's own sorting.
 
  private:
-  ZmPointerArray array_;
+  ZmBaseListArray array_;
 };
 
 #endif

@@ -4,8 +4,8 @@
 #include <memory>
 #include <utility>
 
+#include "ZmConfigOptionText.h"
 #include "ZmHost.h"
-#include "ZmSectionValue.h"
 #include "ZmText.h"
 
 namespace {
@@ -81,13 +81,13 @@ void ZmConfig::_replace(int i, std::string_view value) {
 }
 
 void ZmConfig::option(const ZmString& label, const ZmString& value) {
-  _store(zm_view(label), ZmSlotTable::hash(zm_view(label)), zm_view(value), value.secure());
+  _store(zm_view(label), ZmBaseHashTable::hash(zm_view(label)), zm_view(value), value.secure());
 }
 
-int ZmConfig::_store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value,
+int ZmConfig::_store(std::string_view label, ZmBaseHashTable::Hash hash, std::string_view value,
                      unsigned char secure) {
-  const ZmSlotTable& table = options_._table();
-  const ZmSlotTable::Spot spot = table.locate(label, hash);
+  const ZmBaseHashTable& table = options_._table();
+  const ZmBaseHashTable::Spot spot = table.locate(label, hash);
   const auto length = static_cast<int>(value.size());
   if (spot.found >= 0 && spot.found == spot.place) {
     // Written over where it stands, as if it were replaced. But a secure text has to be wiped, a
@@ -106,7 +106,7 @@ int ZmConfig::_store(std::string_view label, ZmSlotTable::Hash hash, std::string
   return _add(spot, hash, std::move(key), std::move(made));
 }
 
-int ZmConfig::_add(const ZmSlotTable::Spot& spot, ZmSlotTable::Hash hash,
+int ZmConfig::_add(const ZmBaseHashTable::Spot& spot, ZmBaseHashTable::Hash hash,
                    std::unique_ptr<ZmString> key, std::unique_ptr<ZmString> value) {
   const std::string_view label = zm_view(*key);
   const bool hidden = spot.found >= 0 && spot.found != spot.place;
@@ -121,7 +121,7 @@ int ZmConfig::_add(const ZmSlotTable::Spot& spot, ZmSlotTable::Hash hash,
 }
 
 const ZmString* ZmConfig::_find(std::string_view label) const {
-  return options_._get(label, ZmSlotTable::hash(label));
+  return options_._get(label, ZmBaseHashTable::hash(label));
 }
 
 unsigned char ZmConfig::exists(const ZmString& label) const {

@@ -121,7 +121,7 @@ class ZM_EXPORT ZmConfig : public ZmPack {
   const ZmString* _find(std::string_view label) const;
   /// option(label, value), with the hash of the label. The position of a new label, -1 for a known
   /// one.
-  int _store(std::string_view label, ZmSlotTable::Hash hash, std::string_view value,
+  int _store(std::string_view label, ZmBaseHashTable::Hash hash, std::string_view value,
              unsigned char secure = 0);
   /// @}
 
@@ -138,8 +138,8 @@ class ZM_EXPORT ZmConfig : public ZmPack {
   ZmStringList& _list();
   ZmString* _valueat(int i) const;
   bool _ordered() const;
-  int _add(const ZmSlotTable::Spot& spot, ZmSlotTable::Hash hash, std::unique_ptr<ZmString> key,
-           std::unique_ptr<ZmString> value);
+  int _add(const ZmBaseHashTable::Spot& spot, ZmBaseHashTable::Hash hash,
+           std::unique_ptr<ZmString> key, std::unique_ptr<ZmString> value);
 
   unsigned char _parse();
   void _whitespace();

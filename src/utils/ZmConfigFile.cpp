@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "ZmConfigExpander.h"
 #include "ZmConfigReader.h"
-#include "ZmExpander.h"
 #include "ZmFile.h"
 #include "ZmText.h"
 #include "ZmTextList.h"
@@ -49,7 +49,7 @@ void ZmConfigFile::display() const {
 }
 
 void ZmConfigFile::stringtokenize(const ZmString& text, ZmStringList& tokens) const {
-  for (ZmCursor in(zm_view(text)); !in.eof();) zm_push(tokens, zm_value_word(in));
+  for (ZmTextCursor in(zm_view(text)); !in.eof();) zm_push(tokens, zm_value_word(in));
 }
 
 ZmString ZmConfigFile::_localvalue(const ZmString& section, const ZmString& value) const {
@@ -59,5 +59,5 @@ ZmString ZmConfigFile::_localvalue(const ZmString& section, const ZmString& valu
 ZmString ZmConfigFile::_value(const ZmString& scope, const ZmString& self,
                               const ZmString& value) const {
   return zm_string(
-      ZmExpander(sections_).expand(zm_view(scope), zm_view(self), zm_view(value), nullptr));
+      ZmConfigExpander(sections_).expand(zm_view(scope), zm_view(self), zm_view(value), nullptr));
 }

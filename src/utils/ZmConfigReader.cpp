@@ -5,7 +5,7 @@
 #include <memory>
 #include <numeric>
 
-#include "ZmExpander.h"
+#include "ZmConfigExpander.h"
 #include "ZmRange.h"
 #include "ZmStringList.h"
 #include "ZmText.h"
@@ -13,7 +13,7 @@
 ZmConfigReader::Option::Option(std::string_view l, std::string_view v)
     : label(l),
       value(v),
-      hash(ZmSlotTable::hash(l)),
+      hash(ZmBaseHashTable::hash(l)),
       references(zm_has_reference(v)),
       local(references && zm_local_value({}, v) != v) {}
 
@@ -179,7 +179,7 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
 
 // The section of this name, made when there is none.
 ZmConfigReader::Target ZmConfigReader::section(const ZmString& name) {
-  const ZmSlotTable::Hash hash = ZmSlotTable::hash(zm_view(name));
+  const ZmBaseHashTable::Hash hash = ZmBaseHashTable::hash(zm_view(name));
   if (ZmConfig* known = sections_._get(zm_view(name), hash))
     return {known, kNone, zm_view(*sections_._stored(zm_view(name), hash))};
   auto config = std::make_unique<ZmConfig>();
@@ -192,7 +192,7 @@ ZmConfigReader::Target ZmConfigReader::section(const ZmString& name) {
 
 // The sections from the last one made to the first, their options in label order.
 void ZmConfigReader::expand() {
-  ZmExpander expander(sections_);
+  ZmConfigExpander expander(sections_);
   for (std::size_t i = created_.size(); i-- > 0;)
     for (const int label : positions(created_[i])) expand(expander, *created_[i].config, label);
 }
@@ -211,7 +211,7 @@ std::vector<int> ZmConfigReader::positions(const Created& created) const {
   return labels;
 }
 
-void ZmConfigReader::expand(ZmExpander& expander, ZmConfig& config, int label) {
+void ZmConfigReader::expand(ZmConfigExpander& expander, ZmConfig& config, int label) {
   const ZmString& value = config._optionat(label);
   if (!zm_has_reference(zm_view(value))) return;
   const std::string_view section = zm_view(config.name());

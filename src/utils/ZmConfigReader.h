@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
+#include "ZmConfigExpander.h"
 #include "ZmConfigHash.h"
 #include "ZmConfigScanner.h"
-#include "ZmExpander.h"
 #include "ZmString.h"
 
 // Lives for one parse() call and borrows everything it is given.
@@ -40,9 +40,9 @@ class ZmConfigReader {
     Option(std::string_view label, std::string_view value);
     std::string_view label;
     std::string_view value;
-    ZmSlotTable::Hash hash;  // of the label
-    bool references;         // whether the value holds any
-    bool local;              // whether they name "self" or "this"
+    ZmBaseHashTable::Hash hash;  // of the label
+    bool references;             // whether the value holds any
+    bool local;                  // whether they name "self" or "this"
   };
   // A section made by this reading.
   struct Created {
@@ -69,7 +69,7 @@ class ZmConfigReader {
   Target section(const ZmString& name);
   void expand();
   std::vector<int> positions(const Created& created) const;
-  void expand(ZmExpander& expander, ZmConfig& config, int label);
+  void expand(ZmConfigExpander& expander, ZmConfig& config, int label);
 
   ZmConfigHash& sections_;
   const ZmString& default_section_;

@@ -8,14 +8,14 @@ constexpr ZmCharSet kRun(" \t"), kSign(".{}\\$\r"), kWordStop(" \t\r.{}\\$");
 
 }  // namespace
 
-std::string_view zm_value_word(ZmCursor& in) {
+std::string_view zm_value_word(ZmTextCursor& in) {
   if (kRun.has(in.peek())) return in.skip(kRun);
   return kSign.has(in.peek()) ? in.take() : in.until(kWordStop);
 }
 
 std::string zm_local_value(std::string_view section, std::string_view value) {
   std::string local;
-  for (ZmCursor in(value); !in.eof();) {
+  for (ZmTextCursor in(value); !in.eof();) {
     const std::string_view word = zm_value_word(in);
     local += word;
     if (word != "$") continue;
@@ -26,7 +26,7 @@ std::string zm_local_value(std::string_view section, std::string_view value) {
   return local;
 }
 
-ZmConfigPiece ZmConfigScope::next(ZmCursor& in, std::string_view self) const {
+ZmConfigPiece ZmConfigScope::next(ZmTextCursor& in, std::string_view self) const {
   ZmConfigPiece piece;
   if (!in.is('$')) {
     const std::string_view rest = in.rest();

@@ -9,11 +9,11 @@
 #include <string_view>
 
 #include "ZmConfigHash.h"
-#include "ZmCursor.h"
+#include "ZmTextCursor.h"
 
 // The next word of a value: a run of blanks, one of ". { } \ $" or a carriage return alone, or a
 // run of anything else. Empty at the end only. The words of a value join back to it.
-std::string_view zm_value_word(ZmCursor& in);
+std::string_view zm_value_word(ZmTextCursor& in);
 
 // Whether anything in the value may be a reference.
 inline bool zm_has_reference(std::string_view value) {
@@ -35,9 +35,9 @@ struct ZmConfigPiece {
 // Where the references of a value are looked up.
 struct ZmConfigScope {
   // Reads one piece, which takes at least one byte. `self` is what "self" and "this" stand for.
-  ZmConfigPiece next(ZmCursor& in, std::string_view self) const;
+  ZmConfigPiece next(ZmTextCursor& in, std::string_view self) const;
   const ZmConfig* section(std::string_view wanted) const {
-    return sections._get(wanted, ZmSlotTable::hash(wanted));
+    return sections._get(wanted, ZmBaseHashTable::hash(wanted));
   }
 
   const ZmConfigHash& sections;

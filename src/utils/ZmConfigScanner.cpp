@@ -34,7 +34,7 @@ ZmConfigScanner::ZmConfigScanner(std::string_view source)
   cleaned_.reserve(source.size());
   std::copy_if(source.begin(), source.end(), std::back_inserter(cleaned_), kept);
   text_ = cleaned_;
-  in_ = ZmCursor(text_);
+  in_ = ZmTextCursor(text_);
 }
 
 bool ZmConfigScanner::next(ZmConfigToken& token) {
@@ -76,7 +76,7 @@ bool ZmConfigScanner::pending(ZmConfigToken& token) {
 
 // A backslash goes when it stands before a closing brace, which then is text.
 std::string_view ZmConfigScanner::braced() {
-  const ZmCursor start = in_;
+  const ZmTextCursor start = in_;
   bool escaped = false;
   for (in_.until_far("\\}"); !in_.eof() && !in_.is('}'); in_.until_far("\\}")) {
     in_.take();
@@ -90,7 +90,7 @@ std::string_view ZmConfigScanner::braced() {
 // A backslash goes when it stands before a double quote or a backslash. The closing quote, or the
 // line end in its place, is passed over; the opening one has been.
 std::string_view ZmConfigScanner::quoted() {
-  const ZmCursor start = in_;
+  const ZmTextCursor start = in_;
   bool escaped = false;
   for (in_.until_far("\\\"\n\r"); in_.is('\\'); in_.until_far("\\\"\n\r")) {
     in_.take();
@@ -105,7 +105,7 @@ std::string_view ZmConfigScanner::quoted() {
 std::string_view ZmConfigScanner::unescaped(std::string_view text, char close, bool backslash) {
   std::string& plain = unescaped_.emplace_front();
   plain.reserve(text.size());
-  for (ZmCursor in(text); !in.eof();) {
+  for (ZmTextCursor in(text); !in.eof();) {
     if (in.is('\\') && (in.peek(1) == close || (backslash && in.peek(1) == '\\'))) in.take();
     plain += in.take();
   }

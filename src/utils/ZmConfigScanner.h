@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "ZmCursor.h"
+#include "ZmTextCursor.h"
 
 struct ZmConfigToken {
   std::string_view text;   // lent by the scanner for its lifetime
@@ -51,7 +51,7 @@ class ZmConfigScanner {
   std::string_view source_;
   std::string cleaned_;    // the text when the source had to be cleaned
   std::string_view text_;  // what is scanned
-  ZmCursor in_;
+  ZmTextCursor in_;
   std::forward_list<std::string> unescaped_;  // tokens that are no piece of the text
   Pending pending_ = Pending::kNone;          // what of a quoted value comes next
   ZmConfigToken content_;                     // its content

@@ -6,11 +6,11 @@
 #include <unordered_set>
 
 #include "ZmConfig.h"
-#include "ZmCursor.h"
+#include "ZmConfigOptionText.h"
 #include "ZmFile.h"
 #include "ZmFileReader.h"
-#include "ZmSectionValue.h"
 #include "ZmText.h"
+#include "ZmTextCursor.h"
 
 namespace {
 
@@ -60,7 +60,7 @@ int plain(ZmConfig& in, ZmString& out) {
 }
 
 // The next line of a template, without its newline. Newlines inside braces belong to the line.
-std::string_view templateline(ZmCursor& in) {
+std::string_view templateline(ZmTextCursor& in) {
   const std::string_view from = in.rest();
   for (std::size_t depth = 0; !in.eof() && (depth > 0 || !in.is('\n')); in.take()) {
     if (in.is('{')) ++depth;
@@ -73,7 +73,7 @@ std::string_view templateline(ZmCursor& in) {
 
 // The label that a template line sets, commented out or not; nothing when it sets none.
 std::optional<std::string> templatelabel(std::string_view line) {
-  ZmCursor in(line);
+  ZmTextCursor in(line);
   if (in.accept('#')) {
     in.until(kLower);
     if (in.eof()) return std::nullopt;
@@ -179,7 +179,7 @@ ZmString ZmConfig::loadtemplate(const ZmString& path) const {
 ZmString ZmConfig::usetemplate(const ZmString& text) const {
   ZmString result;
   std::unordered_set<std::string> used;  // labels that need no mention any more
-  for (ZmCursor in(zm_view(text)); !in.eof();) {
+  for (ZmTextCursor in(zm_view(text)); !in.eof();) {
     const std::string_view line = templateline(in);
     const auto label = templatelabel(line);
     const ZmString* value = label ? _find(*label) : nullptr;

@@ -32,7 +32,7 @@ class ZmConfig::Items : public ZmPack {
     for (int at = 0; ZmPackObj* item = _item(at);) {
       if (!item->key() || !item->text()) continue;
       if (!std::exchange(cleared, true)) clear();
-      const auto hash = ZmSlotTable::hash(zm_view(*item->key()));
+      const auto hash = ZmBaseHashTable::hash(zm_view(*item->key()));
       const auto spot = section_.options_._table().locate(zm_view(*item->key()), hash);
       section_._add(spot, hash, item->takekey(), item->taketext());
     }

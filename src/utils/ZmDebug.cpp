@@ -9,8 +9,8 @@
 #include "ZmFile.h"
 #include "ZmFileReader.h"
 #include "ZmHost.h"
-#include "ZmNumber.h"
 #include "ZmTextList.h"
+#include "ZmTextNumber.h"
 
 namespace {
 

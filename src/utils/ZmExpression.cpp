@@ -6,11 +6,11 @@
 #include <string_view>
 #include <utility>
 
-#include "ZmOperator.h"
-#include "ZmSplit.h"
-#include "ZmStack.h"
+#include "ZmExpressionOperator.h"
+#include "ZmExpressionStack.h"
 #include "ZmText.h"
 #include "ZmTextList.h"
+#include "ZmTextSplit.h"
 
 namespace {
 
@@ -27,7 +27,7 @@ void indentation(long long n) {
 // Visits a tree, parents first; children may not change.
 template <class Node, class Visit>
 void ZmExpression::_each(Node* root, Visit visit) {
-  ZmStack<Node*> pending;
+  ZmExpressionStack<Node*> pending;
   for (pending.push(root); !pending.empty();) {
     Node* node = pending.pop();
     visit(*node);
@@ -78,7 +78,7 @@ void ZmExpression::copy(const ZmExpression& other) {
     ZmExpression* to;
   };
   ZmExpression tree;
-  ZmStack<Pair> pending;
+  ZmExpressionStack<Pair> pending;
   for (pending.push({&other, &tree}); !pending.empty();) {
     const auto [from, to] = pending.pop();
     to->_fill(*from);
@@ -158,7 +158,7 @@ bool ZmExpression::_known() const {
 }
 
 unsigned char ZmExpression::isvalid() const {
-  ZmStack<const ZmExpression*> pending;
+  ZmExpressionStack<const ZmExpression*> pending;
   for (pending.push(this); !pending.empty();) {
     const ZmExpression* node = pending.pop();
     if (node->name_.length() > 0) {
@@ -172,7 +172,7 @@ unsigned char ZmExpression::isvalid() const {
 }
 
 void ZmExpression::variables(ZmStringList& out) const {
-  ZmStack<const ZmExpression*> pending;
+  ZmExpressionStack<const ZmExpression*> pending;
   for (pending.push(this); !pending.empty();) {
     const ZmExpression* node = pending.pop();
     if (node->reference_ && node->name_.length() > 0 && node->reference_->variable(node->name_)) {
@@ -189,7 +189,7 @@ void ZmExpression::display(int indent) const {
     const ZmExpression* node;
     long long indent;
   };
-  ZmStack<Line> pending;
+  ZmExpressionStack<Line> pending;
   for (pending.push({this, indent}); !pending.empty();) {
     const auto [node, at] = pending.pop();
     const bool leaf = node->name_.length() > 0;

@@ -3,7 +3,7 @@
 #define ZM_EXPRESSION_CACHE_H
 
 class ZmString;
-struct ZmOperator;
+struct ZmExpressionOperator;
 
 // What a node comes to, small enough for two registers. A text is lent; a null one is empty. As a
 // number, nothing counts as the integer 0.
@@ -25,8 +25,9 @@ struct ZmExpressionValue {
 
 // None of it shows. Whoever changes a node's operator, or the text of a leaf, changes this with it.
 struct ZmExpressionCache {
-  const ZmOperator* op = nullptr;  // what the node's operator names; null for the empty text
-  ZmExpressionValue constant;      // the leaf's own text, once it was read; nothing before
+  const ZmExpressionOperator* op =
+      nullptr;                 // what the node's operator names; null for the empty text
+  ZmExpressionValue constant;  // the leaf's own text, once it was read; nothing before
 };
 
 #endif

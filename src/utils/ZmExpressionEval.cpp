@@ -3,10 +3,10 @@
 #include <vector>
 
 #include "ZmExpression.h"
-#include "ZmNumber.h"
-#include "ZmOperator.h"
-#include "ZmStack.h"
+#include "ZmExpressionOperator.h"
+#include "ZmExpressionStack.h"
 #include "ZmText.h"
+#include "ZmTextNumber.h"
 
 // Lives for one eval() call. Texts are lent by their leaves or by texts_.
 class ZmExpression::Evaluation {
@@ -61,7 +61,7 @@ void ZmExpression::Evaluation::run(ZmScalar& result) {
 
 // The right operand first: references and callbacks are asked in this order, which shows.
 ZmExpressionValue ZmExpression::Evaluation::_tree() {
-  ZmStack<Pending> pending;
+  ZmExpressionStack<Pending> pending;
   for (ZmExpression* node = &root_;;) {
     for (; node->name_.length() == 0 && node->b_; node = node->b_)
       pending.push({node, Value(), false});
@@ -69,7 +69,7 @@ ZmExpressionValue ZmExpression::Evaluation::_tree() {
     for (node = nullptr; !node;) {
       if (pending.empty()) return value;
       Pending& top = pending.top();
-      const ZmOperator* op = top.node->cache_.op;
+      const ZmExpressionOperator* op = top.node->cache_.op;
       if (top.second) {
         value = _binary(*top.node, value, top.b);
       } else if (op && op->unary()) {
@@ -114,7 +114,7 @@ ZmExpressionValue ZmExpression::Evaluation::_asked(ZmExpression& node) {
 }
 
 ZmExpressionValue ZmExpression::Evaluation::_read(const ZmString& text) {
-  ZmCursor in(zm_view(text));
+  ZmTextCursor in(zm_view(text));
   const ZmDigits digits = zm_digits(in);
   if (in.eof() && digits.count > 0 && digits.count < 10)  // the usual number, which can't overflow
     return Value(static_cast<int>(digits.value));

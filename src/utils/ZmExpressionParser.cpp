@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "ZmExpression.h"
-#include "ZmOperator.h"
-#include "ZmSplit.h"
+#include "ZmExpressionOperator.h"
 #include "ZmText.h"
+#include "ZmTextSplit.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ class ZmExpression::Builder {
 
   void leaf(std::string_view token);
   // An inner node. What infix notation wrote last is b, and what is missing stays null.
-  void infix(const ZmOperator* op);
+  void infix(const ZmExpressionOperator* op);
   // The next token in postfix notation, or of prefix notation read from its end.
   void postfix(std::string_view token);
   // Puts the result into the root. True for exactly one tree.
@@ -34,7 +34,7 @@ class ZmExpression::Builder {
   using Node = std::unique_ptr<ZmExpression>;
 
   Node _node() const;
-  Node _inner(const ZmOperator* op) const;
+  Node _inner(const ZmExpressionOperator* op) const;
   ZmExpression* _pop();
 
   ZmExpression& root_;
@@ -53,13 +53,13 @@ class ZmExpression::Infix {
   void finish();
 
  private:
-  void _operator(const ZmOperator* op);
+  void _operator(const ZmExpressionOperator* op);
   void _close();
   void _reduce();
   bool _open() const { return operators_.back()->operation == ZmOperation::kOpen; }
 
   Builder& tree_;
-  std::vector<const ZmOperator*> operators_;  // those whose operands are not known yet
+  std::vector<const ZmExpressionOperator*> operators_;  // those whose operands are not known yet
   bool operandexpected_ = true;
 };
 
@@ -69,7 +69,7 @@ ZmExpression::Builder::Node ZmExpression::Builder::_node() const {
   return node;
 }
 
-ZmExpression::Builder::Node ZmExpression::Builder::_inner(const ZmOperator* op) const {
+ZmExpression::Builder::Node ZmExpression::Builder::_inner(const ZmExpressionOperator* op) const {
   Node node = _node();
   zm_append(node->op_, op->name);
   node->cache_.op = op;
@@ -90,7 +90,7 @@ void ZmExpression::Builder::leaf(std::string_view token) {
   operands_.push_back(std::move(node));
 }
 
-void ZmExpression::Builder::infix(const ZmOperator* op) {
+void ZmExpression::Builder::infix(const ZmExpressionOperator* op) {
   Node node = _inner(op);
   node->b_ = _pop();
   if (!op->unary()) node->a_ = _pop();
@@ -99,7 +99,7 @@ void ZmExpression::Builder::infix(const ZmOperator* op) {
 
 // The first operand popped is a, so postfix has a binary operator's operands in reverse.
 void ZmExpression::Builder::postfix(std::string_view token) {
-  const ZmOperator* op = zm_operator(token);
+  const ZmExpressionOperator* op = zm_operator(token);
   if (!op->token) return leaf(token);
   Node node = _inner(op);
   node->a_ = _pop();
@@ -123,7 +123,7 @@ bool ZmExpression::Builder::finish() {
 }
 
 bool ZmExpression::Infix::take(std::string_view token) {
-  const ZmOperator* op = zm_operator(token);
+  const ZmExpressionOperator* op = zm_operator(token);
   if (op->operation == ZmOperation::kOpen) {
     operators_.push_back(op);
     operandexpected_ = true;
@@ -155,7 +155,7 @@ void ZmExpression::Infix::_close() {
 
 // Only strictly stronger operators are reduced, so equals group to the right: stored expressions
 // rely on it.
-void ZmExpression::Infix::_operator(const ZmOperator* op) {
+void ZmExpression::Infix::_operator(const ZmExpressionOperator* op) {
   while (!operators_.empty() && !_open() && operators_.back()->precedence > op->precedence)
     _reduce();
   operators_.push_back(op);

@@ -10,8 +10,8 @@
 #include <new>
 #include <utility>
 
-#include "ZmBigEndian.h"
 #include "ZmFileReader.h"
+#include "ZmPackBigEndian.h"
 
 namespace {
 

@@ -13,12 +13,12 @@
 #include <system_error>
 #include <utility>
 
-#include "ZmCursor.h"
-#include "ZmNumber.h"
 #include "ZmPack.h"
 #include "ZmPackObj.h"
+#include "ZmPackXMLText.h"
 #include "ZmText.h"
-#include "ZmXMLText.h"
+#include "ZmTextCursor.h"
+#include "ZmTextNumber.h"
 
 namespace {
 
@@ -79,7 +79,7 @@ void read(std::string_view text, T& value) {
 // for floats; strtof takes more: blanks, "+" and hexadecimal digits.
 void read(std::string_view text, float& value) {
   constexpr ZmCharSet kStart("0123456789.iInN"), kHexadecimal("xX");
-  ZmCursor in(text);
+  ZmTextCursor in(text);
   in.accept('-');
   if (!kStart.has(in.peek()) || (in.is('0') && kHexadecimal.has(in.peek(1)))) return;
   char* end = nullptr;
@@ -100,7 +100,7 @@ struct ZmPack::Writer {
     pack._store(text.data(), static_cast<int>(text.size()));
   }
   void escaped(std::string_view text, const ZmCharSet& special) {
-    for (ZmCursor in(text); !in.eof();) {
+    for (ZmTextCursor in(text); !in.eof();) {
       put(in.until(special));
       if (!in.eof()) put(reference(in.take()[0]));
     }

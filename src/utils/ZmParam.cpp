@@ -5,10 +5,10 @@
 #include <iostream>
 #include <utility>
 
-#include "ZmCursor.h"
-#include "ZmNumber.h"
 #include "ZmText.h"
+#include "ZmTextCursor.h"
 #include "ZmTextList.h"
+#include "ZmTextNumber.h"
 
 namespace {
 
@@ -112,7 +112,7 @@ unsigned char ZmParam::_option(const ZmStringList& args, int& index) {
 // Every option that matches does so with all of the key: a second one is a tie, unless the key is
 // the name in full.
 ZmOption* ZmParam::_choose(const ZmString& argument) {
-  ZmCursor in(zm_view(argument));
+  ZmTextCursor in(zm_view(argument));
   in.skip(kDash);
   const ZmString key = zm_string(in.rest());
   ZmOption* chosen = nullptr;

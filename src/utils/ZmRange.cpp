@@ -10,11 +10,11 @@
 #include <string_view>
 #include <utility>
 
-#include "ZmCursor.h"
-#include "ZmNumber.h"
-#include "ZmSplit.h"
 #include "ZmText.h"
+#include "ZmTextCursor.h"
 #include "ZmTextList.h"
+#include "ZmTextNumber.h"
+#include "ZmTextSplit.h"
 
 namespace {
 
@@ -26,7 +26,7 @@ struct Number {
   int digits;  // how many, leading zeros included
 };
 
-std::optional<Number> number(ZmCursor& in) {
+std::optional<Number> number(ZmTextCursor& in) {
   in.skip(kRangeBlank);
   const bool negative = in.accept('-');
   const ZmDigits digits = zm_digits(in);
@@ -34,7 +34,7 @@ std::optional<Number> number(ZmCursor& in) {
   return Number{static_cast<int>(negative ? 0 - digits.value : digits.value), digits.count};
 }
 
-bool mark(ZmCursor& in, char c) {
+bool mark(ZmTextCursor& in, char c) {
   in.skip(kRangeBlank);
   return in.accept(c);
 }
@@ -75,7 +75,7 @@ class Items {
   std::optional<int> padding() const { return padding_; }
 
  private:
-  ZmCursor in_;
+  ZmTextCursor in_;
   bool more_ = true;
   std::optional<int> padding_;
 };
@@ -288,7 +288,7 @@ void ZmRange::partition(int parts, ZmStringList& out) {
 }
 
 unsigned char ZmRange::isrange(const ZmString& text) {
-  ZmCursor in(zm_view(text));
+  ZmTextCursor in(zm_view(text));
   if (kNeverFirst.has(in.peek())) return 0;
   in.skip(kRangeBlank);
   if (in.eof()) return 0;
@@ -311,7 +311,7 @@ void ZmRange::patternsplit(int order, const ZmString& pattern, ZmStringList& out
   }
   // Most patterns are plain names.
   constexpr ZmCharSet kSpecial("[, \t\r\n");
-  ZmCursor in(zm_view(pattern));
+  ZmTextCursor in(zm_view(pattern));
   if (!in.until(kSpecial).empty() && in.eof())
     return zm_push(out, std::make_unique<ZmString>(pattern));
   ZmStringList items;
@@ -334,7 +334,7 @@ void ZmRange::_expand(int order, const ZmString& item, ZmStringList& out) {
 }
 
 void ZmRange::patternsplit(const ZmString& text, int& start, int& end, int& step) {
-  ZmCursor in(zm_view(text));
+  ZmTextCursor in(zm_view(text));
   const auto first = number(in);
   if (!first) return;
   start = first->value;

@@ -1,9 +1,9 @@
 #include "ZmScalar.h"
 
-#include "ZmOperator.h"
-#include "ZmSplit.h"
+#include "ZmExpressionOperator.h"
 #include "ZmStringList.h"
 #include "ZmText.h"
+#include "ZmTextSplit.h"
 
 namespace {
 

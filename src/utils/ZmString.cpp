@@ -9,8 +9,8 @@
 #include <memory>
 #include <new>
 
-#include "ZmNumber.h"
 #include "ZmText.h"
+#include "ZmTextNumber.h"
 
 namespace {
 
@@ -250,7 +250,7 @@ unsigned char ZmString::hasspace() const { return contains(zm_view(*this), kSpac
 unsigned char ZmString::multiline() const { return contains(zm_view(*this), kLineEnd); }
 
 unsigned char ZmString::isinteger() const {
-  ZmCursor in(zm_view(*this));
+  ZmTextCursor in(zm_view(*this));
   if (in.eof() || !(in.is('-') || kZmDigits.has(in.peek()))) return 0;
   in.take();
   in.skip(kZmDigits);
@@ -259,7 +259,7 @@ unsigned char ZmString::isinteger() const {
 
 unsigned char ZmString::isfloat() const {
   constexpr ZmCharSet kFirst("0123456789-+.");
-  ZmCursor in(zm_view(*this));
+  ZmTextCursor in(zm_view(*this));
   if (!kFirst.has(in.peek())) return 0;
   const bool dot = in.take() == ".";
   in.skip(kZmDigits);
@@ -298,7 +298,7 @@ ZmString ZmString::replacevalue(const ZmString& from, const ZmString& to,
                                 unsigned char exact) const {
   if (from.length_ < 1) return *this;
   ZmString result;
-  ZmCursor in(zm_view(*this));
+  ZmTextCursor in(zm_view(*this));
   while (!in.eof()) {
     const std::string_view piece = in.rest().substr(0, static_cast<std::size_t>(from.length_));
     const bool match = piece.size() == zm_view(from).size() &&

@@ -1,7 +1,7 @@
 // The untyped core of the hashes: an open-addressing table from texts to objects. Internal;
 // ZmBaseHash is its typed face.
-#ifndef ZM_SLOT_TABLE_H
-#define ZM_SLOT_TABLE_H
+#ifndef ZM_BASE_HASH_TABLE_H
+#define ZM_BASE_HASH_TABLE_H
 
 #include <cstddef>
 #include <cstdint>
@@ -14,14 +14,14 @@
 #include "ZmText.h"
 
 // The slots of a table: a mark each, and behind all marks a number each, of as few bytes as the
-// numbers need. Internal to ZmSlotTable.
-class ZmSlots {
+// numbers need. Internal to ZmBaseHashTable.
+class ZmBaseHashSlots {
  public:
   // What a mark says of its slot. Keys with a zero byte have a mark of their own, since they may be
   // equal to others with another hash.
   enum Mark : unsigned char { kEmpty, kRemoved, kZero, kMarks };
 
-  ZmSlots(int size, std::uint64_t numbers);  // all empty; for numbers below `numbers`
+  ZmBaseHashSlots(int size, std::uint64_t numbers);  // all empty; for numbers below `numbers`
 
   int size() const { return size_; }
   std::uint64_t numbers() const { return std::uint64_t{1} << 8 * width_; }  // above every number
@@ -52,7 +52,7 @@ class ZmSlots {
 // keys of one hash can't be stored in any table, so growth is bounded: a pair for which the table
 // would have to go beyond both 65,536 slots and 32 slots an entry is kept in an ordered overflow
 // instead, and moves into the slots when a later growth has room.
-class ZM_EXPORT ZmSlotTable {
+class ZM_EXPORT ZmBaseHashTable {
  public:
   using Destroy = void (*)(void*);
   // The published hash in the lower half, the mark of the key above it.
@@ -63,10 +63,10 @@ class ZM_EXPORT ZmSlotTable {
     Hash hash;
   };
 
-  ZmSlotTable();
-  ZmSlotTable(const ZmSlotTable&) = delete;
-  ZmSlotTable& operator=(const ZmSlotTable&) = delete;
-  ~ZmSlotTable() = default;  // clear() first
+  ZmBaseHashTable();
+  ZmBaseHashTable(const ZmBaseHashTable&) = delete;
+  ZmBaseHashTable& operator=(const ZmBaseHashTable&) = delete;
+  ~ZmBaseHashTable() = default;  // clear() first
 
   static Hash hash(std::string_view key);
 
@@ -103,7 +103,7 @@ class ZM_EXPORT ZmSlotTable {
   void clear(Destroy destroy);   // in the order of entries; a null destroy forgets the values
   // Takes the size, count and keys of the other table; each value is made by copy(its value).
   // This table must be clear.
-  void copy(const ZmSlotTable& other, void* (*copy_value)(const void*));
+  void copy(const ZmBaseHashTable& other, void* (*copy_value)(const void*));
   // Whether a copy may hold entries that it does not find: those beyond a removed one.
   bool anyremoved() const { return slots_.anyremoved(); }
 
@@ -139,21 +139,22 @@ class ZM_EXPORT ZmSlotTable {
   void add(int at, const Entry& entry);
   static unsigned char mark(std::string_view key);
   template <class Text>
-  Spot seek(const ZmSlots& slots, Hash key_hash, Text text) const;
+  Spot seek(const ZmBaseHashSlots& slots, Hash key_hash, Text text) const;
   void replace(std::uint32_t number, const Entry& entry, Destroy destroy);
   void drop(std::uint32_t number);
   // Puts an entry into slots where it belongs; one of an equal key, which it replaces there, is
   // added to `replaced`. False: no place.
-  bool store(ZmSlots& slots, std::uint32_t number, std::vector<std::uint32_t>& replaced) const;
+  bool store(ZmBaseHashSlots& slots, std::uint32_t number,
+             std::vector<std::uint32_t>& replaced) const;
   bool refused(long long size) const;
-  bool refill(ZmSlots& slots, std::vector<std::uint32_t>& replaced, int& count) const;
+  bool refill(ZmBaseHashSlots& slots, std::vector<std::uint32_t>& replaced, int& count) const;
   void empty_overflow(std::vector<std::uint32_t>& replaced);
 
   // In the order in which keys were first set; an entry that is removed becomes a gap until the
   // next renumber(), which changes nothing that shows. Every other entry has its number either in
   // one slot or in the overflow.
   mutable std::vector<Entry> entries_;
-  mutable ZmSlots slots_;
+  mutable ZmBaseHashSlots slots_;
   mutable std::unique_ptr<Overflow> overflow_;  // null while it is empty
   int count_ = 0;                               // entries, and those of growth attempts that failed
   int live_ = 0;                                // entries without the gaps

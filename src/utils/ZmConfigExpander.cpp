@@ -1,4 +1,4 @@
-#include "ZmExpander.h"
+#include "ZmConfigExpander.h"
 
 #include <algorithm>
 #include <climits>
@@ -8,8 +8,8 @@
 
 #include "ZmText.h"
 
-std::string_view ZmExpander::expand(std::string_view scope, std::string_view self,
-                                    std::string_view value, const ZmString* option) {
+std::string_view ZmConfigExpander::expand(std::string_view scope, std::string_view self,
+                                          std::string_view value, const ZmString* option) {
   const ZmConfig* config = scope_.section(scope);
   if (config != scope_.config) forget();
   scope_.name = scope;
@@ -20,7 +20,7 @@ std::string_view ZmExpander::expand(std::string_view scope, std::string_view sel
 
 // A result without a "$" expands to itself: what rests on the option stands. With one it is read
 // again from now on, and what holds it as it was expanded is old.
-void ZmExpander::replaced(const ZmString& option) {
+void ZmConfigExpander::replaced(const ZmString& option) {
   const auto met = nodes_.find(&option);
   if (met == nodes_.end()) return;
   if (std::exchange(met->second.copied, false)) forget();
@@ -36,13 +36,13 @@ void ZmExpander::replaced(const ZmString& option) {
 }
 
 // The results that depend on the scope are old.
-void ZmExpander::forget() {
+void ZmConfigExpander::forget() {
   ++epoch_;
   kept_ = free_;
 }
 
 // False when it met a circle that is not known yet.
-bool ZmExpander::walk(std::string_view self, std::string_view value, const ZmString* option) {
+bool ZmConfigExpander::walk(std::string_view self, std::string_view value, const ZmString* option) {
   out_.resize(kept_);
   start_ = kept_;
   const auto met = nodes_.find(option);
@@ -69,7 +69,7 @@ bool ZmExpander::walk(std::string_view self, std::string_view value, const ZmStr
 }
 
 // Copies and replaces up to the end, or to a reference to an option that must be expanded first.
-ZmExpander::Node* ZmExpander::step(Frame& frame) {
+ZmConfigExpander::Node* ZmConfigExpander::step(Frame& frame) {
   const bool remembered = chain_.size() > 1;
   while (!frame.in.eof()) {
     const ZmConfigPiece piece = scope_.next(frame.in, frame.self);
@@ -93,8 +93,8 @@ ZmExpander::Node* ZmExpander::step(Frame& frame) {
   return nullptr;
 }
 
-void ZmExpander::enter(Node* node, std::string_view self, std::string_view value) {
-  chain_.push_back({node, self, ZmCursor(value), out_.size()});
+void ZmConfigExpander::enter(Node* node, std::string_view self, std::string_view value) {
+  chain_.push_back({node, self, ZmTextCursor(value), out_.size()});
   if (!node) return;
   node->entered = true;
   Node* in = circle(*node);
@@ -103,7 +103,7 @@ void ZmExpander::enter(Node* node, std::string_view self, std::string_view value
                    " refers to itself... skipping.\n";
 }
 
-void ZmExpander::leave() {
+void ZmConfigExpander::leave() {
   const Frame frame = chain_.back();
   chain_.pop_back();
   if (frame.node) frame.node->entered = false;
@@ -120,9 +120,9 @@ void ZmExpander::leave() {
 
 // Finds the circles among the options that a value leads to (R. Tarjan, "Depth-first search and
 // linear graph algorithms", 1972). What has a result that stands leads to none that is not known.
-void ZmExpander::search(std::string_view self, std::string_view value) {
+void ZmConfigExpander::search(std::string_view self, std::string_view value) {
   const std::size_t before = visits_;
-  std::vector<Frame> path{{nullptr, self, ZmCursor(value), 0}};
+  std::vector<Frame> path{{nullptr, self, ZmTextCursor(value), 0}};
   std::vector<Node*> open;  // visited, and it is not known yet with which ones they are in a circle
   while (!path.empty()) {
     Node* from = path.back().node;
@@ -130,7 +130,7 @@ void ZmExpander::search(std::string_view self, std::string_view value) {
       if (to->order <= before) {
         to->order = to->low = ++visits_;
         open.push_back(to);
-        path.push_back({to, to->section, ZmCursor(zm_view(*to->value)), 0});
+        path.push_back({to, to->section, ZmTextCursor(zm_view(*to->value)), 0});
       } else if (from) {
         from->low = std::min(from->low, to->low);
         if (from == to) join(*from, *from);
@@ -145,7 +145,7 @@ void ZmExpander::search(std::string_view self, std::string_view value) {
 }
 
 // The next option that must be expanded for this one.
-ZmExpander::Node* ZmExpander::edge(Frame& frame) {
+ZmConfigExpander::Node* ZmConfigExpander::edge(Frame& frame) {
   while (!frame.in.eof()) {
     const ZmConfigPiece piece = scope_.next(frame.in, frame.self);
     if (!piece.value || !piece.qualified || cut(frame.node, *piece.value)) continue;
@@ -157,7 +157,7 @@ ZmExpander::Node* ZmExpander::edge(Frame& frame) {
 }
 
 // All that are open from this one on lead to each other.
-void ZmExpander::close(Node& first, std::vector<Node*>& open) {
+void ZmConfigExpander::close(Node& first, std::vector<Node*>& open) {
   for (Node* node = nullptr; node != &first;) {
     node = open.back();
     open.pop_back();
@@ -167,7 +167,7 @@ void ZmExpander::close(Node& first, std::vector<Node*>& open) {
 }
 
 // Makes one circle of those that the two are in; it has not been named yet.
-void ZmExpander::join(Node& node, Node& with) {
+void ZmConfigExpander::join(Node& node, Node& with) {
   if (!with.circle) with.circle = &with;
   if (!node.circle) node.circle = &node;
   Node* one = circle(with);
@@ -176,7 +176,7 @@ void ZmExpander::join(Node& node, Node& with) {
 }
 
 // The one that stands for the circle; null when it is in none.
-ZmExpander::Node* ZmExpander::circle(Node& node) {
+ZmConfigExpander::Node* ZmConfigExpander::circle(Node& node) {
   if (!node.circle) return nullptr;
   Node* at = &node;
   while (at->circle != at) at = at->circle = at->circle->circle;
@@ -184,13 +184,13 @@ ZmExpander::Node* ZmExpander::circle(Node& node) {
 }
 
 // Whether both options are in one circle.
-bool ZmExpander::cut(Node* from, const ZmString& to) {
+bool ZmConfigExpander::cut(Node* from, const ZmString& to) {
   if (!from || !from->circle) return false;
   const auto met = nodes_.find(&to);
   return met != nodes_.end() && circle(*from) == circle(met->second);
 }
 
-ZmExpander::Node& ZmExpander::node(const ZmConfigPiece& piece) {
+ZmConfigExpander::Node& ZmConfigExpander::node(const ZmConfigPiece& piece) {
   const auto [at, made] = nodes_.try_emplace(piece.value);
   Node& node = at->second;
   if (made) {
@@ -201,7 +201,7 @@ ZmExpander::Node& ZmExpander::node(const ZmConfigPiece& piece) {
   return node;
 }
 
-void ZmExpander::append(std::string_view text) {
+void ZmConfigExpander::append(std::string_view text) {
   if (text.size() >= INT_MAX - (out_.size() - start_)) throw std::bad_alloc();
   out_ += text;
 }

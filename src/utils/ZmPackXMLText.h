@@ -1,6 +1,6 @@
 // How texts of any bytes stand in XML 1.0. Internal; under the XML form of packs.
-#ifndef ZM_XML_TEXT_H
-#define ZM_XML_TEXT_H
+#ifndef ZM_PACK_XML_TEXT_H
+#define ZM_PACK_XML_TEXT_H
 
 #include <string_view>
 

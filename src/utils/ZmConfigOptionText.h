@@ -1,6 +1,6 @@
 // How section text writes an option, for the conversion of a section and for templates. Internal.
-#ifndef ZM_SECTION_VALUE_H
-#define ZM_SECTION_VALUE_H
+#ifndef ZM_CONFIG_OPTION_TEXT_H
+#define ZM_CONFIG_OPTION_TEXT_H
 
 #include "ZmString.h"
 

@@ -1,6 +1,6 @@
 // Reads a borrowed text from left to right, never past its end. Internal; under every tokenizer.
-#ifndef ZM_CURSOR_H
-#define ZM_CURSOR_H
+#ifndef ZM_TEXT_CURSOR_H
+#define ZM_TEXT_CURSOR_H
 
 #include <array>
 #include <cstddef>
@@ -28,9 +28,10 @@ inline std::string_view zm_trimmed(std::string_view text) {
   return text;
 }
 
-class ZmCursor {
+class ZmTextCursor {
  public:
-  explicit ZmCursor(std::string_view text) : at_(text.data()), end_(text.data() + text.size()) {}
+  explicit ZmTextCursor(std::string_view text)
+      : at_(text.data()), end_(text.data() + text.size()) {}
 
   bool eof() const { return at_ == end_; }
   // The byte n places ahead (0 to 255), or -1 at and after the end.

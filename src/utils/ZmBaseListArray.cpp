@@ -1,4 +1,4 @@
-#include "ZmPointerArray.h"
+#include "ZmBaseListArray.h"
 
 #include <climits>
 #include <cstring>
@@ -10,9 +10,9 @@ std::size_t bytes(int slots) { return static_cast<std::size_t>(slots) * sizeof(v
 
 }  // namespace
 
-ZmPointerArray::~ZmPointerArray() { delete[] items_; }
+ZmBaseListArray::~ZmBaseListArray() { delete[] items_; }
 
-bool ZmPointerArray::grow() {
+bool ZmBaseListArray::grow() {
   if (capacity_ > (INT_MAX - 1) / 2) return false;
   const int capacity = capacity_ * 2 + 1;
   void** items = new (std::nothrow) void*[static_cast<std::size_t>(capacity)];
@@ -28,7 +28,7 @@ bool ZmPointerArray::grow() {
   return items != nullptr;
 }
 
-void* ZmPointerArray::remove(int i) {
+void* ZmBaseListArray::remove(int i) {
   if (i < 0 || i >= length()) return nullptr;
   void* item = items_[first_ + i];
   std::memmove(items_ + first_ + i, items_ + first_ + i + 1, bytes(length() - 1 - i));

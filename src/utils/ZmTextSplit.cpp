@@ -1,4 +1,4 @@
-#include "ZmSplit.h"
+#include "ZmTextSplit.h"
 
 #include "ZmText.h"
 #include "ZmTextList.h"
@@ -20,7 +20,7 @@ void appendspaceless(ZmString& to, std::string_view text) {
 
 // Skips "{" and what belongs to it; gives the contents without the outer braces. An unclosed group
 // runs to the end.
-std::string_view braced(ZmCursor& in) {
+std::string_view braced(ZmTextCursor& in) {
   in.take();
   const std::string_view from = in.rest();
   for (int depth = 1; !in.eof();) {
@@ -35,21 +35,21 @@ std::string_view braced(ZmCursor& in) {
 }
 
 // Skips a quoted part with its quotes; a backslash takes the next character with it.
-void skipquoted(ZmCursor& in) {
+void skipquoted(ZmTextCursor& in) {
   const char quote = in.take()[0];
   while (!in.eof() && !in.is(quote)) in.take(in.is('\\') ? 2 : 1);
   in.take();
 }
 
 // With its quotes and backslashes. Only the byte before a quote decides whether it closes.
-std::string_view commandquoted(ZmCursor& in) {
+std::string_view commandquoted(ZmTextCursor& in) {
   const std::string_view from = in.rest();
   std::size_t end = 1;
   while (end < from.size() && (from[end] != from[0] || from[end - 1] == '\\')) ++end;
   return in.take(end + 1);
 }
 
-std::string_view commandtoken(ZmCursor& in) {
+std::string_view commandtoken(ZmTextCursor& in) {
   if (kQuote.has(in.peek())) return commandquoted(in);
   if (kParen.has(in.peek())) return in.take();
   if (kName.has(in.peek())) return in.skip(kName);
@@ -57,7 +57,7 @@ std::string_view commandtoken(ZmCursor& in) {
 }
 
 // Up to the comma or the end, as it stands in the text.
-std::string_view splitelement(ZmCursor& in) {
+std::string_view splitelement(ZmTextCursor& in) {
   const std::string_view from = in.rest();
   while (!in.eof() && !in.is(',')) {
     if (kQuote.has(in.peek())) {
@@ -129,11 +129,11 @@ void zm_tokenize(std::string_view text, ZmSyntax syntax, ZmStringList& tokens) {
 }
 
 void zm_tokenize_command(std::string_view text, ZmStringList& tokens) {
-  for (ZmCursor in(text); !in.eof();) zm_push(tokens, commandtoken(in));
+  for (ZmTextCursor in(text); !in.eof();) zm_push(tokens, commandtoken(in));
 }
 
 void zm_split(std::string_view text, ZmStringList& tokens) {
-  for (ZmCursor in(text); !in.eof();) {
+  for (ZmTextCursor in(text); !in.eof();) {
     const std::string_view element = splitelement(in);
     if (in.accept(',') || !element.empty()) zm_push(tokens, element);
   }
@@ -143,7 +143,7 @@ void zm_split(std::string_view text, ZmStringList& tokens) {
 // behind a group opens none.
 void zm_split_comma(std::string_view text, ZmStringList& tokens) {
   std::string token;
-  for (ZmCursor in(text); !in.eof();) {
+  for (ZmTextCursor in(text); !in.eof();) {
     if (in.is('[')) {
       token += in.until(kBracketEnd);
       token += in.take();
@@ -167,7 +167,7 @@ void zm_split_char(std::string_view text, char separator, ZmStringList& tokens) 
 }
 
 void zm_split_space(std::string_view text, ZmStringList& tokens) {
-  ZmCursor in(text);
+  ZmTextCursor in(text);
   for (in.skip(kZmSpace); !in.eof(); in.skip(kZmSpace)) zm_push(tokens, in.until(kZmSpace));
 }
 
@@ -181,7 +181,7 @@ bool zm_split_equal(std::string_view text, ZmString& left, ZmString& right) {
   const std::size_t end = text.find('=');
   appendspaceless(left, text.substr(0, end));
   if (end == std::string_view::npos) return false;
-  ZmCursor in(text.substr(end + 1));
+  ZmTextCursor in(text.substr(end + 1));
   in.skip(kZmSpace);
   zm_append(right, in.rest());
   return true;
@@ -194,7 +194,7 @@ bool zm_split_becomes(std::string_view text, ZmString& left, ZmString& right) {
   if (end == std::string_view::npos) end = text.size() - 1;
   appendspaceless(left, text.substr(0, end));
   if (text[end] != ':') return false;
-  ZmCursor in(text.substr(end + 1));
+  ZmTextCursor in(text.substr(end + 1));
   in.skip(kZmSpace);
   zm_append(right, in.rest());
   return true;

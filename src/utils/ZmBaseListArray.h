@@ -1,17 +1,17 @@
 // The untyped core of the ordered container: growth, removal and sorting of object pointers.
 // Internal; ZmBaseList is its typed face.
-#ifndef ZM_POINTER_ARRAY_H
-#define ZM_POINTER_ARRAY_H
+#ifndef ZM_BASE_LIST_ARRAY_H
+#define ZM_BASE_LIST_ARRAY_H
 
 #include "ZmExport.h"
 
 // Holds pointers and never looks behind them. Elements stand in slots first..last.
-class ZM_EXPORT ZmPointerArray {
+class ZM_EXPORT ZmBaseListArray {
  public:
-  ZmPointerArray() = default;
-  ZmPointerArray(const ZmPointerArray&) = delete;
-  ZmPointerArray& operator=(const ZmPointerArray&) = delete;
-  ~ZmPointerArray();
+  ZmBaseListArray() = default;
+  ZmBaseListArray(const ZmBaseListArray&) = delete;
+  ZmBaseListArray& operator=(const ZmBaseListArray&) = delete;
+  ~ZmBaseListArray();
 
   int length() const { return last_ - first_ + 1; }
   // Null outside 0..length()-1.

@@ -1,6 +1,6 @@
 // Reads XML text into a tree of elements, with Expat. Internal; under ZmPack::unpackXML().
-#ifndef ZM_PACK_READER_H
-#define ZM_PACK_READER_H
+#ifndef ZM_PACK_XML_READER_H
+#define ZM_PACK_XML_READER_H
 
 #include <memory>
 #include <string_view>
@@ -14,14 +14,14 @@ struct XML_ParserStruct;
 // What the handlers keep while one text is read. The attributes they know are those that ZmPack
 // writes: "encoding" (of the text), "key", "key-encoding", and for an element called "element"
 // "name" and "name-encoding".
-class ZmPackReader {
+class ZmPackXMLReader {
  public:
   static constexpr int kDepth = 256;  // levels of elements, as many as other readers take
   enum Result { kDone, kBroken, kRefused, kNoMemory };
 
-  ZmPackReader() = default;
-  ZmPackReader(const ZmPackReader&) = delete;
-  ZmPackReader& operator=(const ZmPackReader&) = delete;
+  ZmPackXMLReader() = default;
+  ZmPackXMLReader(const ZmPackXMLReader&) = delete;
+  ZmPackXMLReader& operator=(const ZmPackXMLReader&) = delete;
 
   // Reads a whole text, once. kBroken: it is not well-formed; kRefused: it has a document type, or
   // elements deeper than kDepth. Throws std::bad_alloc only.
@@ -55,8 +55,8 @@ class ZmPackReader {
   std::unique_ptr<ZmString> text_;  // of the same, so far; null: empty
 };
 
-// Expat's handlers; the first argument, its user data, is a ZmPackReader. They throw nothing: what
-// goes wrong stops the parser.
+// Expat's handlers; the first argument, its user data, is a ZmPackXMLReader. They throw nothing:
+// what goes wrong stops the parser.
 extern "C" {
 void ZmPackStartElement(void* reader, const char* name, const char** attributes) noexcept;
 void ZmPackEndElement(void* reader, const char* name) noexcept;

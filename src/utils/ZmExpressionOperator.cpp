@@ -1,4 +1,4 @@
-#include "ZmOperator.h"
+#include "ZmExpressionOperator.h"
 
 #include <array>
 #include <climits>
@@ -12,7 +12,7 @@ using enum ZmOperation;
 
 // These strengths are the language's own: bitwise operators bind tighter than comparisons, shifts
 // more loosely than logical operators, ";" tightest of all.
-constexpr ZmOperator kOperators[] = {
+constexpr ZmExpressionOperator kOperators[] = {
     {";", kNone, 1024, true},       {",", kNone, 1024, false},
     {"(", kOpen, 256, false},       {")", kClose, 256, false},
     {"--", kNegate, 128, false},    {"!", kNot, 128, true},
@@ -39,7 +39,7 @@ constexpr ZmOperator kOperators[] = {
     {"max", kMaximum, 1, true},     {"min", kMinimum, 1, true},
     {":", kNone, 1, true},
 };
-constexpr ZmOperator kUnknown = {"", kNone, 1, false};
+constexpr ZmExpressionOperator kUnknown = {"", kNone, 1, false};
 
 constexpr std::size_t kLongest = 3;
 constexpr std::size_t kSlots = 256;
@@ -65,10 +65,10 @@ constexpr auto kTable = [] {
 }  // namespace
 
 // Asked for every token of every text that is parsed, so it must neither allocate nor compare much.
-const ZmOperator* zm_operator(std::string_view name) {
+const ZmExpressionOperator* zm_operator(std::string_view name) {
   if (name.empty() || name.size() > kLongest) return &kUnknown;
   for (std::size_t at = slot(name); kTable[at] != 0; at = (at + 1) % kSlots) {
-    const ZmOperator& found = kOperators[kTable[at] - 1U];
+    const ZmExpressionOperator& found = kOperators[kTable[at] - 1U];
     if (found.name == name) return &found;
   }
   return &kUnknown;

@@ -1,8 +1,8 @@
 // Replaces the references in option values by what they lead to: the option of the scope section as
 // it is stored for an unqualified one, the option itself expanded in the same scope for a qualified
 // one. Internal, under ZmConfigFile.
-#ifndef ZM_EXPANDER_H
-#define ZM_EXPANDER_H
+#ifndef ZM_CONFIG_EXPANDER_H
+#define ZM_CONFIG_EXPANDER_H
 
 #include <cstddef>
 #include <string>
@@ -25,9 +25,9 @@
 // that the cost follows the texts and what they expand to. But a result that depends on the scope
 // stands in that scope only, and until an option that it copied is replaced: N sections that look
 // through the same K such options take N x K steps.
-class ZmExpander {
+class ZmConfigExpander {
  public:
-  explicit ZmExpander(const ZmConfigHash& sections) : scope_{sections, {}} {}
+  explicit ZmConfigExpander(const ZmConfigHash& sections) : scope_{sections, {}} {}
 
   // Expands `value` for the section `scope`, with `self` standing for "self" and "this". `option`
   // is the stored text that has this value, or null. The result is lent until the next call.
@@ -64,7 +64,7 @@ class ZmExpander {
   struct Frame {
     Node* node;
     std::string_view self;
-    ZmCursor in;
+    ZmTextCursor in;
     std::size_t start;    // of its result in out_
     bool scoped = false;  // the result depends on the scope
   };

@@ -1,7 +1,7 @@
 // A stack of small plain values whose first ones need no heap. Internal; it carries the walks over
 // trees, which must not recurse as deep as the input asks.
-#ifndef ZM_STACK_H
-#define ZM_STACK_H
+#ifndef ZM_EXPRESSION_STACK_H
+#define ZM_EXPRESSION_STACK_H
 
 #include <cstddef>
 #include <cstring>
@@ -11,14 +11,14 @@
 #include <utility>
 
 template <class T, std::size_t N = 32>
-class ZmStack {
+class ZmExpressionStack {
  public:
   static_assert(std::is_trivially_copyable_v<T> && alignof(T) <= alignof(std::max_align_t));
 
   // The places are left as they are: zeroing them would cost more than most walks.
-  ZmStack() : items_(reinterpret_cast<T*>(first_)) {}
-  ZmStack(const ZmStack&) = delete;
-  ZmStack& operator=(const ZmStack&) = delete;
+  ZmExpressionStack() : items_(reinterpret_cast<T*>(first_)) {}
+  ZmExpressionStack(const ZmExpressionStack&) = delete;
+  ZmExpressionStack& operator=(const ZmExpressionStack&) = delete;
 
   bool empty() const { return length_ == 0; }
   void push(const T& item) {

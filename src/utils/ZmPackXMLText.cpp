@@ -1,12 +1,12 @@
-#include "ZmXMLText.h"
+#include "ZmPackXMLText.h"
 
 #include <array>
 #include <climits>
 #include <cstdint>
 #include <new>
 
-#include "ZmCursor.h"
 #include "ZmText.h"
+#include "ZmTextCursor.h"
 
 namespace {
 
@@ -35,7 +35,7 @@ int following(int lead) {
 }
 
 // Takes a character of two to four bytes; false when there is none or XML does not allow it.
-bool character(ZmCursor& in) {
+bool character(ZmTextCursor& in) {
   constexpr int kLeast[] = {0, 0x80, 0x800, 0x10000};
   const int more = following(in.peek());
   if (more < 0) return false;
@@ -53,14 +53,14 @@ bool character(ZmCursor& in) {
 }  // namespace
 
 bool zm_xml_text(std::string_view text) {
-  ZmCursor in(text);
+  ZmTextCursor in(text);
   for (in.skip(kAscii); !in.eof(); in.skip(kAscii))
     if (!character(in)) return false;
   return true;
 }
 
 bool zm_xml_name(std::string_view name) {
-  ZmCursor in(name);
+  ZmTextCursor in(name);
   if (!kNameStart.has(in.peek())) return false;
   in.skip(kName);
   return in.eof();
@@ -72,7 +72,7 @@ ZmString zm_base64(std::string_view bytes) {
   if (length >= INT_MAX) throw std::bad_alloc();
   text._resize(static_cast<int>(length) + 1);
   text.clear();
-  for (ZmCursor in(bytes); !in.eof();) {
+  for (ZmTextCursor in(bytes); !in.eof();) {
     const std::string_view three = in.take(3);
     std::uint32_t bits = 0;
     for (std::size_t i = 0; i < 3; ++i)
@@ -87,7 +87,7 @@ bool zm_from_base64(std::string_view text, ZmString& bytes) {
   bytes.clear();
   std::uint32_t bits = 0;
   int digits = 0;
-  ZmCursor in(text);
+  ZmTextCursor in(text);
   for (in.skip(kZmSpace); !in.eof() && !in.is('='); in.skip(kZmSpace)) {
     const int digit = kDigits[static_cast<unsigned char>(in.take()[0])];
     if (digit < 0) return false;

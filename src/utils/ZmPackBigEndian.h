@@ -1,6 +1,6 @@
 // Big-endian numbers in byte buffers, as packs store them. Internal.
-#ifndef ZM_BIG_ENDIAN_H
-#define ZM_BIG_ENDIAN_H
+#ifndef ZM_PACK_BIG_ENDIAN_H
+#define ZM_PACK_BIG_ENDIAN_H
 
 #include <cstddef>
 #include <type_traits>

@@ -1,6 +1,6 @@
 // The operators of the expression language: names, binding strength, meaning for numbers. Internal.
-#ifndef ZM_OPERATOR_H
-#define ZM_OPERATOR_H
+#ifndef ZM_EXPRESSION_OPERATOR_H
+#define ZM_EXPRESSION_OPERATOR_H
 
 #include <cstdint>
 #include <string_view>
@@ -39,7 +39,7 @@ enum class ZmOperation : unsigned char {
   kMinimum
 };
 
-struct ZmOperator {
+struct ZmExpressionOperator {
   std::string_view name;
   ZmOperation operation;
   int precedence;  // higher binds tighter
@@ -49,7 +49,7 @@ struct ZmOperator {
 };
 
 // The operator of a name, in static memory; for any other name one without operation.
-const ZmOperator* zm_operator(std::string_view name);
+const ZmExpressionOperator* zm_operator(std::string_view name);
 
 // What an operation gives for floats; 0 for one that they don't have.
 float zm_unary(ZmOperation operation, float a);

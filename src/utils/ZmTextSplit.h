@@ -3,15 +3,15 @@
 //
 // Every function only appends to its outputs. ZmExpression's static operations of the like names
 // are the public face and state the rules. White space is space, TAB, CR and LF.
-#ifndef ZM_SPLIT_H
-#define ZM_SPLIT_H
+#ifndef ZM_TEXT_SPLIT_H
+#define ZM_TEXT_SPLIT_H
 
 #include <string>
 #include <string_view>
 
-#include "ZmCursor.h"
 #include "ZmString.h"
 #include "ZmStringList.h"
+#include "ZmTextCursor.h"
 
 // The languages whose tokens are separated by white space.
 enum class ZmSyntax { kExpression, kCallback, kValue, kRange };
@@ -30,7 +30,7 @@ class ZmTokens {
   std::string_view _value();
   std::string_view _quoted();
 
-  ZmCursor in_;
+  ZmTextCursor in_;
   ZmSyntax syntax_;
   std::string unescaped_;
 };

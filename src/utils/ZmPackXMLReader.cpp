@@ -1,4 +1,4 @@
-#include "ZmPackReader.h"
+#include "ZmPackXMLReader.h"
 
 #include <expat.h>
 
@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "ZmPack.h"
+#include "ZmPackXMLText.h"
 #include "ZmText.h"
-#include "ZmXMLText.h"
 
 namespace {
 
@@ -18,18 +18,18 @@ using Parser = std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)>;
 // After a stop Expat still calls handlers for what it has in hand.
 template <class Step>
 void guarded(void* user, Step step) noexcept {
-  auto& reader = *static_cast<ZmPackReader*>(user);
+  auto& reader = *static_cast<ZmPackXMLReader*>(user);
   if (reader.stopped()) return;
   try {
     step(reader);
   } catch (const std::bad_alloc&) {
-    reader.stop(ZmPackReader::kNoMemory);
+    reader.stop(ZmPackXMLReader::kNoMemory);
   }
 }
 
 // Called where "<!DOCTYPE name" ends, before any declaration inside it is read.
 void refuse(void* user, const XML_Char*, const XML_Char*, const XML_Char*, int) noexcept {
-  guarded(user, [](ZmPackReader& reader) { reader.stop(ZmPackReader::kRefused); });
+  guarded(user, [](ZmPackXMLReader& reader) { reader.stop(ZmPackXMLReader::kRefused); });
 }
 
 // The attributes that mean something here; null when absent.
@@ -59,18 +59,18 @@ int size(std::string_view text) { return static_cast<int>(text.size()); }
 }  // namespace
 
 void ZmPackStartElement(void* reader, const char* name, const char** attributes) noexcept {
-  guarded(reader, [=](ZmPackReader& to) { to.start(name, attributes); });
+  guarded(reader, [=](ZmPackXMLReader& to) { to.start(name, attributes); });
 }
 
 void ZmPackEndElement(void* reader, const char*) noexcept {
-  guarded(reader, [](ZmPackReader& to) { to.end(); });
+  guarded(reader, [](ZmPackXMLReader& to) { to.end(); });
 }
 
 void ZmPackData(void* reader, const char* text, int length) noexcept {
-  guarded(reader, [=](ZmPackReader& to) { to.data({text, static_cast<std::size_t>(length)}); });
+  guarded(reader, [=](ZmPackXMLReader& to) { to.data({text, static_cast<std::size_t>(length)}); });
 }
 
-ZmPackReader::Result ZmPackReader::read(std::string_view text) {
+ZmPackXMLReader::Result ZmPackXMLReader::read(std::string_view text) {
   if (text.size() > INT_MAX) return kBroken;
   const Parser parser(XML_ParserCreate(nullptr), XML_ParserFree);
   if (!parser) throw std::bad_alloc();
@@ -85,17 +85,17 @@ ZmPackReader::Result ZmPackReader::read(std::string_view text) {
   return result_ == kDone && !well_formed ? kBroken : result_;
 }
 
-void ZmPackReader::stop(Result why) {
+void ZmPackXMLReader::stop(Result why) {
   result_ = why;
   XML_StopParser(parser_, XML_FALSE);
 }
 
-ZmPackReader::Encoding ZmPackReader::encoding(const char* name) {
+ZmPackXMLReader::Encoding ZmPackXMLReader::encoding(const char* name) {
   if (!name) return kPlain;
   return std::string_view(name) == "base64" ? kBase64 : kUnknown;
 }
 
-std::unique_ptr<ZmString> ZmPackReader::decoded(std::string_view value, Encoding encoding) {
+std::unique_ptr<ZmString> ZmPackXMLReader::decoded(std::string_view value, Encoding encoding) {
   if (encoding == kUnknown) return nullptr;
   if (encoding == kPlain)
     return std::unique_ptr<ZmString>(ZmString::_exact(value.data(), size(value)));
@@ -103,19 +103,19 @@ std::unique_ptr<ZmString> ZmPackReader::decoded(std::string_view value, Encoding
   return zm_from_base64(value, *bytes) ? std::move(bytes) : nullptr;
 }
 
-const std::shared_ptr<const ZmString>& ZmPackReader::named(const char* name) {
+const std::shared_ptr<const ZmString>& ZmPackXMLReader::named(const char* name) {
   if (!name_ || std::strcmp(name_->value(), name) != 0) name_ = decoded(name, kPlain);
   return name_;
 }
 
 // Text beside elements, the indentation above all, is not worth a call.
-void ZmPackReader::listen(bool on) {
+void ZmPackXMLReader::listen(bool on) {
   leaf_ = on;
   text_.reset();
   XML_SetCharacterDataHandler(parser_, on ? ZmPackData : nullptr);
 }
 
-void ZmPackReader::start(const char* name, const char** attributes) {
+void ZmPackXMLReader::start(const char* name, const char** attributes) {
   if (open_.size() >= kDepth) return stop(kRefused);
   auto made = std::make_unique<ZmPackObj>();
   ZmPackObj* element = made.get();
@@ -138,7 +138,7 @@ void ZmPackReader::start(const char* name, const char** attributes) {
   }
 }
 
-void ZmPackReader::data(std::string_view text) {
+void ZmPackXMLReader::data(std::string_view text) {
   if (text_) {
     zm_append(*text_, text);
   } else {
@@ -146,7 +146,7 @@ void ZmPackReader::data(std::string_view text) {
   }
 }
 
-void ZmPackReader::end() {
+void ZmPackXMLReader::end() {
   ZmPackObj& element = *open_.back();
   open_.pop_back();
   if (!leaf_) return;
@@ -160,9 +160,10 @@ void ZmPackReader::end() {
 int ZmPack::unpackXML(const char* text, int length) {
   enum { kBroken = 1, kEmpty = 2, kOther = 3, kRefused = 4 };
   if (!text || length <= 0) return kBroken;
-  ZmPackReader reader;
+  ZmPackXMLReader reader;
   const auto result = reader.read({text, static_cast<std::size_t>(length)});
-  if (result != ZmPackReader::kDone) return result == ZmPackReader::kRefused ? kRefused : kBroken;
+  if (result != ZmPackXMLReader::kDone)
+    return result == ZmPackXMLReader::kRefused ? kRefused : kBroken;
   ZmPackObj& root = reader.root();
   if (zm_view(root.name()) != zm_view(typeXML())) return kOther;
   if (root.length() == 0) return kEmpty;

@@ -1,4 +1,4 @@
-#include "ZmSlotTable.h"
+#include "ZmBaseHashTable.h"
 
 #include <algorithm>
 #include <climits>
@@ -37,7 +37,7 @@ unsigned char mark_of(std::uint64_t hash) { return static_cast<unsigned char>(ha
 
 }  // namespace
 
-ZmSlots::ZmSlots(int size, std::uint64_t numbers)
+ZmBaseHashSlots::ZmBaseHashSlots(int size, std::uint64_t numbers)
     : size_(size),
       width_(numbers <= 256     ? 1
              : numbers <= 65536 ? 2
@@ -47,32 +47,34 @@ ZmSlots::ZmSlots(int size, std::uint64_t numbers)
   clear();
 }
 
-unsigned char* ZmSlots::place(int at) const {
+unsigned char* ZmBaseHashSlots::place(int at) const {
   return bytes_.get() + size_ + static_cast<std::ptrdiff_t>(at) * width_;
 }
 
-std::uint32_t ZmSlots::number(int at) const {
+std::uint32_t ZmBaseHashSlots::number(int at) const {
   const unsigned char* from = place(at);
   std::uint32_t number = 0;
   for (int i = 0; i < width_; ++i) number = number << 8 | from[i];
   return number;
 }
 
-void ZmSlots::put(int at, unsigned char mark, std::uint32_t number) {
+void ZmBaseHashSlots::put(int at, unsigned char mark, std::uint32_t number) {
   bytes_[static_cast<std::size_t>(at)] = mark;
   unsigned char* to = place(at);
   for (int i = width_; i-- > 0; number >>= 8) to[i] = static_cast<unsigned char>(number);
 }
 
-bool ZmSlots::anyremoved() const {
+bool ZmBaseHashSlots::anyremoved() const {
   return std::memchr(bytes_.get(), kRemoved, static_cast<std::size_t>(size_)) != nullptr;
 }
 
-void ZmSlots::clear() { std::memset(bytes_.get(), kEmpty, static_cast<std::size_t>(size_)); }
+void ZmBaseHashSlots::clear() {
+  std::memset(bytes_.get(), kEmpty, static_cast<std::size_t>(size_));
+}
 
-ZmSlotTable::ZmSlotTable() : slots_(kStartSize, 0) {}
+ZmBaseHashTable::ZmBaseHashTable() : slots_(kStartSize, 0) {}
 
-ZmSlotTable::Hash ZmSlotTable::hash(std::string_view key) {
+ZmBaseHashTable::Hash ZmBaseHashTable::hash(std::string_view key) {
   // The bytes count as signed: those of 128 and above subtract.
   const auto byte = [key](std::size_t i) {
     return static_cast<std::uint32_t>(static_cast<signed char>(key[i]));
@@ -89,27 +91,28 @@ ZmSlotTable::Hash ZmSlotTable::hash(std::string_view key) {
     sum += weight * byte(i);
     zero |= byte(i) == 0;
   }
-  return Hash{zero ? static_cast<unsigned char>(ZmSlots::kZero) : mark(key)} << 32 | sum;
+  return Hash{zero ? static_cast<unsigned char>(ZmBaseHashSlots::kZero) : mark(key)} << 32 | sum;
 }
 
 // For keys without a zero byte.
-unsigned char ZmSlotTable::mark(std::string_view key) {
+unsigned char ZmBaseHashTable::mark(std::string_view key) {
   const std::uint64_t mixed = end_of(key) * 0x9e3779b97f4a7c15;
-  return static_cast<unsigned char>(ZmSlots::kMarks +
-                                    (mixed >> 56) * (256 - ZmSlots::kMarks) / 256);
+  return static_cast<unsigned char>(ZmBaseHashSlots::kMarks +
+                                    (mixed >> 56) * (256 - ZmBaseHashSlots::kMarks) / 256);
 }
 
 // The text is asked for only where it must be compared.
 template <class Text>
-ZmSlotTable::Spot ZmSlotTable::seek(const ZmSlots& slots, Hash key_hash, Text text) const {
+ZmBaseHashTable::Spot ZmBaseHashTable::seek(const ZmBaseHashSlots& slots, Hash key_hash,
+                                            Text text) const {
   const unsigned char mark = mark_of(key_hash);
   const auto holds = [&](int at) {
     if (slots.mark(at) != mark) return false;
     const Entry& entry = entries_[slots.number(at)];
-    if (entry.hash != key_hash && mark != ZmSlots::kZero) return false;
+    if (entry.hash != key_hash && mark != ZmBaseHashSlots::kZero) return false;
     const std::string_view held = zm_view(*entry.key);
     const std::string_view sought = text();
-    if (mark != ZmSlots::kZero) return held == sought;
+    if (mark != ZmBaseHashSlots::kZero) return held == sought;
     // A zero byte ends a comparison.
     return held.size() == sought.size() &&
            std::strncmp(held.data(), sought.data(), held.size()) == 0;
@@ -124,18 +127,18 @@ ZmSlotTable::Spot ZmSlotTable::seek(const ZmSlots& slots, Hash key_hash, Text te
     // the first vacant slot, and is then the one that lookups find.
     if (spot.place < 0) spot.place = at;
     if (!vacant) spot.found = at;
-    if (slots.mark(at) != ZmSlots::kRemoved) break;
+    if (slots.mark(at) != ZmBaseHashSlots::kRemoved) break;
   }
   return spot;
 }
 
-ZmSlotTable::Spot ZmSlotTable::locate(std::string_view key, Hash key_hash) const {
+ZmBaseHashTable::Spot ZmBaseHashTable::locate(std::string_view key, Hash key_hash) const {
   Spot spot = seek(slots_, key_hash, [key] { return key; });
   spot.known = spot.found >= 0 || (overflow_ && overflow_->contains(key));
   return spot;
 }
 
-const ZmSlotTable::Entry* ZmSlotTable::find(std::string_view key, Hash key_hash) const {
+const ZmBaseHashTable::Entry* ZmBaseHashTable::find(std::string_view key, Hash key_hash) const {
   if (count_ < 1) return nullptr;
   const int at = locate(key, key_hash).found;
   if (at >= 0) return &entries_[slots_.number(at)];
@@ -144,7 +147,7 @@ const ZmSlotTable::Entry* ZmSlotTable::find(std::string_view key, Hash key_hash)
   return beyond == overflow_->end() ? nullptr : &entries_[beyond->second];
 }
 
-void* ZmSlotTable::remove(const ZmString& key) {
+void* ZmBaseHashTable::remove(const ZmString& key) {
   if (count_ < 1) return nullptr;
   std::uint32_t number = 0;
   const int at = locate(zm_view(key), hash(zm_view(key))).found;
@@ -167,16 +170,16 @@ void* ZmSlotTable::remove(const ZmString& key) {
 }
 
 // The value is the caller's.
-void ZmSlotTable::drop(std::uint32_t number) {
+void ZmBaseHashTable::drop(std::uint32_t number) {
   delete std::exchange(entries_[number].key, nullptr);
   --live_;
   while (!entries_.empty() && !entries_.back().key) entries_.pop_back();
 }
 
 // Closes the gaps; the numbers then have as many bytes as a quarter more entries need.
-void ZmSlotTable::renumber() const {
+void ZmBaseHashTable::renumber() const {
   const auto live = static_cast<std::size_t>(live_);
-  ZmSlots slots(slots_.size(), live + live / 4 + 1);
+  ZmBaseHashSlots slots(slots_.size(), live + live / 4 + 1);
   std::vector<std::uint32_t> numbers(entries_.size());
   std::uint32_t next = 0;
   for (std::size_t i = 0; i < entries_.size(); ++i)
@@ -190,7 +193,7 @@ void ZmSlotTable::renumber() const {
 }
 
 // For one more entry. What renumbering costs is paid by the entries that came or went since.
-void ZmSlotTable::make_room() {
+void ZmBaseHashTable::make_room() {
   const std::size_t used = entries_.size();
   if (used == slots_.numbers() || (used == entries_.capacity() && gaps() > used / 4)) renumber();
   if (entries_.size() < entries_.capacity()) return;
@@ -198,7 +201,7 @@ void ZmSlotTable::make_room() {
 }
 
 // Into a slot, or into the overflow when there is none for it.
-void ZmSlotTable::add(int at, const Entry& entry) {
+void ZmBaseHashTable::add(int at, const Entry& entry) {
   make_room();
   const auto number = static_cast<std::uint32_t>(entries_.size());
   if (at >= 0) {
@@ -212,13 +215,13 @@ void ZmSlotTable::add(int at, const Entry& entry) {
   ++count_;
 }
 
-bool ZmSlotTable::fill(const Spot& spot, void* value, ZmString* key, Hash key_hash) {
+bool ZmBaseHashTable::fill(const Spot& spot, void* value, ZmString* key, Hash key_hash) {
   if (overflow_ || spot.place < 0 || spot.known) return false;
   add(spot.place, {key, value, key_hash});
   return true;
 }
 
-bool ZmSlotTable::set(void* value, ZmString* key, Hash key_hash, Destroy destroy) {
+bool ZmBaseHashTable::set(void* value, ZmString* key, Hash key_hash, Destroy destroy) {
   const std::string_view text = zm_view(*key);
   const Entry entry{key, value, key_hash};
   if (overflow_) {
@@ -244,18 +247,18 @@ bool ZmSlotTable::set(void* value, ZmString* key, Hash key_hash, Destroy destroy
 }
 
 // By an entry of an equal key.
-void ZmSlotTable::replace(std::uint32_t number, const Entry& entry, Destroy destroy) {
+void ZmBaseHashTable::replace(std::uint32_t number, const Entry& entry, Destroy destroy) {
   const Entry old = std::exchange(entries_[number], entry);
   if (old.value && old.value != entry.value) destroy(old.value);
   if (old.key != entry.key) delete old.key;
 }
 
-bool ZmSlotTable::refused(long long size) const {
+bool ZmBaseHashTable::refused(long long size) const {
   return size > INT_MAX || (size > kFreeGrowth && size > kSlotsPerEntry * live_);
 }
 
-bool ZmSlotTable::store(ZmSlots& slots, std::uint32_t number,
-                        std::vector<std::uint32_t>& replaced) const {
+bool ZmBaseHashTable::store(ZmBaseHashSlots& slots, std::uint32_t number,
+                            std::vector<std::uint32_t>& replaced) const {
   const Entry& entry = entries_[number];
   const int at = seek(slots, entry.hash, [&entry] { return zm_view(*entry.key); }).place;
   if (at < 0) return false;
@@ -266,7 +269,8 @@ bool ZmSlotTable::store(ZmSlots& slots, std::uint32_t number,
 
 // Puts what stands in the slots into other ones, in slot order; false when an entry finds no place.
 // Counts those that found one without replacing another.
-bool ZmSlotTable::refill(ZmSlots& slots, std::vector<std::uint32_t>& replaced, int& count) const {
+bool ZmBaseHashTable::refill(ZmBaseHashSlots& slots, std::vector<std::uint32_t>& replaced,
+                             int& count) const {
   for (int i = 0; i < slots_.size(); ++i) {
     if (!slots_.occupied(i)) continue;
     const std::size_t before = replaced.size();
@@ -276,7 +280,7 @@ bool ZmSlotTable::refill(ZmSlots& slots, std::vector<std::uint32_t>& replaced, i
   return true;
 }
 
-bool ZmSlotTable::resize(Destroy destroy) {
+bool ZmBaseHashTable::resize(Destroy destroy) {
   if (live_ < patience_) return false;
   std::vector<std::uint32_t> replaced;  // of an attempt; destroyed only once that has succeeded
   int count = 0;                        // of all attempts: those that fail leave their part behind
@@ -288,7 +292,7 @@ bool ZmSlotTable::resize(Destroy destroy) {
       return false;
     }
     size = static_cast<int>(next);
-    ZmSlots slots(size, slots_.numbers());
+    ZmBaseHashSlots slots(size, slots_.numbers());
     replaced.clear();
     filled = refill(slots, replaced, count);
     if (filled) slots_ = std::move(slots);
@@ -304,7 +308,7 @@ bool ZmSlotTable::resize(Destroy destroy) {
 }
 
 // After a growth: what finds a place in the slots moves there.
-void ZmSlotTable::empty_overflow(std::vector<std::uint32_t>& replaced) {
+void ZmBaseHashTable::empty_overflow(std::vector<std::uint32_t>& replaced) {
   if (!overflow_) return;
   for (auto at = overflow_->begin(); at != overflow_->end();) {
     const std::size_t before = replaced.size();
@@ -315,7 +319,7 @@ void ZmSlotTable::empty_overflow(std::vector<std::uint32_t>& replaced) {
   if (overflow_->empty()) overflow_.reset();
 }
 
-void ZmSlotTable::clear(Destroy destroy) {
+void ZmBaseHashTable::clear(Destroy destroy) {
   for (const auto& [key, value, hash] : entries_) {
     if (key && value && destroy) destroy(value);
     delete key;
@@ -328,11 +332,11 @@ void ZmSlotTable::clear(Destroy destroy) {
   patience_ = 0;
 }
 
-void ZmSlotTable::copy(const ZmSlotTable& other, void* (*copy_value)(const void*)) {
+void ZmBaseHashTable::copy(const ZmBaseHashTable& other, void* (*copy_value)(const void*)) {
   if (other.gaps()) other.renumber();
   // Every entry keeps its slot. A removed slot becomes an empty one, so what was placed beyond it
   // is listed and no longer found.
-  slots_ = ZmSlots(other.slots_.size(), other.slots_.numbers());
+  slots_ = ZmBaseHashSlots(other.slots_.size(), other.slots_.numbers());
   entries_.reserve(other.entries_.size());
   for (const auto& [key, value, hash] : other.entries_) {
     std::unique_ptr<ZmString> made(ZmString::_exact(*key));

@@ -1,6 +1,6 @@
 // The one reader of digits and the one writer of numbers. Internal.
-#ifndef ZM_NUMBER_H
-#define ZM_NUMBER_H
+#ifndef ZM_TEXT_NUMBER_H
+#define ZM_TEXT_NUMBER_H
 
 #include <locale.h>
 
@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "ZmCursor.h"
+#include "ZmTextCursor.h"
 
 inline constexpr ZmCharSet kZmDigits("0123456789");
 
@@ -18,7 +18,7 @@ struct ZmDigits {
   int count = 0;
 };
 
-inline ZmDigits zm_digits(ZmCursor& in) {
+inline ZmDigits zm_digits(ZmTextCursor& in) {
   ZmDigits digits;
   for (; kZmDigits.has(in.peek()); in.take()) {
     digits.value = digits.value * 10 + static_cast<std::uint32_t>(in.peek() - '0');

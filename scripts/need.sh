@@ -42,7 +42,8 @@ need() {
 # need_build WHAT:PACKAGE...: what every build takes, and the arguments. When any of it is missing,
 # all that the other scripts take is installed too, so that an administrator is asked once.
 need_build() {
-  set -- g++:g++ make:make cmake:cmake /usr/include/expat.h:libexpat1-dev "$@"
+  set -- g++:g++ make:make cmake:cmake /usr/include/expat.h:libexpat1-dev \
+    /usr/include/nlohmann/json.hpp:nlohmann-json3-dev "$@"
   [ -n "$(missing "$@")" ] || return 0
   for _item in /usr/include/gtest/gtest.h:libgtest-dev gzip:gzip dpkg-shlibdeps:dpkg-dev \
     file:file strip:binutils; do

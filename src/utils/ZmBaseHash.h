@@ -81,10 +81,6 @@ class ZM_EXPORT ZmBaseHash {
   T* _get(std::string_view key, ZmBaseHashTable::Hash hash) const {
     return static_cast<T*>(table_.get(key, hash));
   }  ///< As get().
-  const ZmString* _stored(std::string_view key, ZmBaseHashTable::Hash hash) const {
-    const ZmBaseHashTable::Entry* held = table_.find(key, hash);
-    return held ? held->key : nullptr;
-  }  ///< The hash's own key, lent; null when there is none.
   unsigned char _set(T* value, ZmString* key, ZmBaseHashTable::Hash hash) {
     return table_.set(value, key, hash, _destroy);
   }                                                         ///< As set().

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ZmConfigHash.h"
+#include "ZmExport.h"
 
 class ZmConfigSurvey;
 
@@ -23,7 +24,7 @@ class ZmConfigSurvey;
 ///
 /// There is one finding for each place of the text, however many sections share it. Lines and
 /// columns count from 1, columns in bytes, in the text as it was given. One thread at a time.
-class ZmConfigCheck {
+class ZM_EXPORT ZmConfigCheck {
  public:
   enum class Severity { kWarning, kError };
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <iostream>
 #include <memory>
-#include <numeric>
 
 #include "ZmConfigExpander.h"
 #include "ZmRange.h"
@@ -189,7 +188,8 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
   ZmConfig& config = *target.config;
   int label = -1;
   if (option.local) {
-    label = config._store(option.label, option.hash, zm_local_value(target.name, option.value));
+    const std::string_view name = target.created == kNone ? known(config) : zm_view(config.name());
+    label = config._store(option.label, option.hash, zm_local_value(name, option.value));
   } else {
     label = config._store(option.label, option.hash, option.value);
   }
@@ -199,9 +199,7 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
   if (target.created == kNone || label < 0) {
     mixed_.insert(&config);
   } else {
-    std::size_t& last = created_[target.created].reference;
-    references_.push_back({label, last});
-    last = references_.size() - 1;
+    references_.push_back({target.created, label});
   }
 }
 
@@ -216,36 +214,45 @@ ZmConfigReader::Target ZmConfigReader::section(const ZmString& name) {
   const ZmBaseHashTable::Hash hash = ZmBaseHashTable::hash(zm_view(name));
   if (ZmConfig* known = sections_._get(zm_view(name), hash)) {
     if (observer_) observer_->section(*known, false);
-    return {known, kNone, zm_view(*sections_._stored(zm_view(name), hash))};
+    return {known, kNone};
   }
   auto config = std::make_unique<ZmConfig>();
   config->name(name);
   ZmConfig* made = config.get();
   sections_._set(config.release(), ZmString::_exact(name), hash);
-  created_.push_back({made});
+  created_.push_back(made);
   if (observer_) observer_->section(*made, true);
-  return {made, created_.size() - 1, zm_view(made->name())};
+  return {made, created_.size() - 1};
+}
+
+// The name under which the file knows a section, which a program may have renamed since.
+std::string_view ZmConfigReader::known(const ZmConfig& section) const {
+  const std::string_view own = zm_view(section.name());
+  if (sections_._get(own, ZmBaseHashTable::hash(own)) == &section) return own;
+  std::string_view name;
+  sections_._table().each([&](const ZmString* key, const void* held) {
+    if (held == &section) name = zm_view(*key);
+  });
+  return name;
 }
 
 // The sections from the last one made to the first, their options in label order.
 void ZmConfigReader::expand() {
   ZmConfigExpander expander(sections_, observer_);
-  for (std::size_t i = created_.size(); i-- > 0;)
-    for (const int label : positions(created_[i])) expand(expander, *created_[i].config, label);
-}
-
-// Where options with references may stand in the section.
-std::vector<int> ZmConfigReader::positions(const Created& created) const {
-  std::vector<int> labels;
-  if (mixed_.contains(created.config)) {
-    labels.resize(static_cast<std::size_t>(created.config->_count()));
-    std::iota(labels.begin(), labels.end(), 0);
-  } else {
-    for (std::size_t at = created.reference; at != kNone; at = references_[at].before)
-      labels.push_back(references_[at].label);
-    std::reverse(labels.begin(), labels.end());
+  if (!std::is_sorted(references_.begin(), references_.end()))
+    std::sort(references_.begin(), references_.end());
+  auto end = references_.end();
+  for (std::size_t i = created_.size(); i-- > 0;) {
+    ZmConfig& config = *created_[i];
+    auto begin = end;
+    while (begin != references_.begin() && std::prev(begin)->created == i) --begin;
+    if (!mixed_.empty() && mixed_.contains(&config)) {
+      for (int label = 0; label < config._count(); ++label) expand(expander, config, label);
+    } else {
+      for (auto at = begin; at != end; ++at) expand(expander, config, at->label);
+    }
+    end = begin;
   }
-  return labels;
 }
 
 void ZmConfigReader::expand(ZmConfigExpander& expander, ZmConfig& config, int label) {

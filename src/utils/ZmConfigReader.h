@@ -2,6 +2,7 @@
 #ifndef ZM_CONFIG_READER_H
 #define ZM_CONFIG_READER_H
 
+#include <compare>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -34,8 +35,7 @@ class ZmConfigReader {
   // A section that receives options.
   struct Target {
     ZmConfig* config;
-    std::size_t created;    // its index among the created ones, or kNone: it was there before
-    std::string_view name;  // under which the file knows it, whatever it is called by now
+    std::size_t created;  // its index among the created ones, or kNone: it was there before
   };
   // An option on its way into sections.
   struct Option {
@@ -48,15 +48,11 @@ class ZmConfigReader {
     const ZmConfig* parent = nullptr;  // that lends it
     std::size_t number = 0;            // its place there, or among the lines told to the observer
   };
-  // A section made by this reading.
-  struct Created {
-    ZmConfig* config;
-    std::size_t reference = kNone;  // the last one stored in it
-  };
-  // A new option with references, at position `label` of its section.
+  // A new option with references, at this position of a created section.
   struct Reference {
+    std::size_t created;
     int label;
-    std::size_t before;  // the one stored in the same section before, or kNone
+    auto operator<=>(const Reference&) const = default;
   };
 
   void advance() {
@@ -78,7 +74,7 @@ class ZmConfigReader {
   void told(const Target& target, int label, const Option& option);
   Target section(const ZmString& name);
   void expand();
-  std::vector<int> positions(const Created& created) const;
+  std::string_view known(const ZmConfig& section) const;
   void expand(ZmConfigExpander& expander, ZmConfig& config, int label);
 
   ZmConfigHash& sections_;
@@ -92,9 +88,9 @@ class ZmConfigReader {
   std::vector<Target> current_;  // the sections of the last header
   // Labels and values for several current sections, until something else may look at these.
   std::vector<std::pair<std::string, std::string>> waiting_;
-  std::size_t waiting_from_ = 0;  // number of the first of these among the options read
-  std::size_t lines_ = 0;         // options read so far
-  std::vector<Created> created_;
+  std::size_t waiting_from_ = 0;    // number of the first of these among the options read
+  std::size_t lines_ = 0;           // options read so far
+  std::vector<ZmConfig*> created_;  // the sections made by this reading
   // Where the references stand, so that the many options without any are not looked at again; but
   // sections that got some in another way are read through.
   std::vector<Reference> references_;

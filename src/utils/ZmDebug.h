@@ -4,7 +4,6 @@
 /// @file
 /// ZmDebug, and the log of the process.
 
-#include <memory>
 #include <string_view>
 
 #include "ZmString.h"
@@ -60,7 +59,7 @@ class ZM_EXPORT ZmDebug {
   bool _open();  // false: standard output
   ZmDebug& _write(std::string_view text);
 
-  std::unique_ptr<ZmString> filename_;
+  ZmString filename_;
   int mode_ = 0;
 };
 

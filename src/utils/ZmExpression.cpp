@@ -176,7 +176,7 @@ void ZmExpression::variables(ZmStringList& out) const {
   for (pending.push(this); !pending.empty();) {
     const ZmExpression* node = pending.pop();
     if (node->reference_ && node->name_.length() > 0 && node->reference_->variable(node->name_)) {
-      zm_push(out, std::make_unique<ZmString>(node->name_));
+      out._push(new ZmString(node->name_));
     } else if (node->b_) {
       if (node->a_ && !node->_unary()) pending.push(node->a_);
       pending.push(node->b_);

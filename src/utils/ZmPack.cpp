@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <cstring>
 #include <iostream>
-#include <memory>
 #include <new>
 #include <utility>
 
@@ -29,8 +28,18 @@ ZmPack& ZmPack::operator=(const ZmPack& other) {
 }
 
 ZmPack::State& ZmPack::_state() {
-  if (!state_) state_ = std::make_unique<State>();
+  if (!state_) state_.reset(new State);
   return *state_;
+}
+
+void ZmPack::_lend(ZmPack& value) {
+  value.state_ = std::move(state_);
+  ++value.state_->depth;
+}
+
+void ZmPack::_regain(ZmPack& value) {
+  state_ = std::move(value.state_);
+  --_state().depth;  // the object may have dropped it
 }
 
 // --- writing ---
@@ -38,7 +47,7 @@ ZmPack::State& ZmPack::_state() {
 unsigned char* ZmPack::_room(long long n) {
   const long long need = _state().used + n;
   if (need > state_->capacity) _grow(need);
-  unsigned char* at = state_->buffer.get() + state_->used;
+  unsigned char* at = state_->buffer + state_->used;
   state_->used = static_cast<int>(need);
   return at;
 }
@@ -47,9 +56,10 @@ void ZmPack::_grow(long long need) {
   if (need > INT_MAX) throw std::bad_alloc();
   State& to = *state_;
   const int capacity = need > (INT_MAX - 16) / 4 ? INT_MAX : static_cast<int>(need * 4 + 16);
-  std::unique_ptr<unsigned char[]> buffer(new unsigned char[static_cast<std::size_t>(capacity)]);
-  if (to.used > 0) std::memcpy(buffer.get(), to.buffer.get(), static_cast<std::size_t>(to.used));
-  to.buffer = std::move(buffer);
+  auto* const buffer = new unsigned char[static_cast<std::size_t>(capacity)];
+  if (to.used > 0) std::memcpy(buffer, to.buffer, static_cast<std::size_t>(to.used));
+  delete[] to.buffer;
+  to.buffer = buffer;
   to.capacity = capacity;
 }
 
@@ -95,8 +105,10 @@ void ZmPack::store(int tag, ZmPack& value) {
   if (&value == this) return;
   zm_put_big_endian(_field(tag, kNested, 8), value.type());
   const int from = state_->used;
-  _lend(value, [&value] { value.encode(); });
-  zm_put_big_endian(state_->buffer.get() + from - 4, state_->used - from);
+  _lend(value);
+  value.encode();
+  _regain(value);
+  zm_put_big_endian(state_->buffer + from - 4, state_->used - from);
 }
 
 void ZmPack::_debug_print() const {
@@ -133,7 +145,7 @@ int ZmPack::archive(const ZmString& path) {
 int ZmPack::unpack(const char* data, int length) {
   if (!data || length < 4) return 1;
   // The record may stand in this object's own buffer, which therefore lives until it is read.
-  const std::unique_ptr<State> own = std::move(state_);
+  const ZmOwned<State> own = std::move(state_);
   const auto* bytes = reinterpret_cast<const unsigned char*>(data);
   if (zm_get_big_endian<int>(bytes) != kVersion) return 3;
   if (length == 4) return 2;
@@ -216,7 +228,9 @@ void ZmPack::restore(int tag, ZmPack& value) {
   state_->at.consumed = fields != nullptr;
   if (!fields) return;
   const Place behind = std::exchange(state_->at, {fields, length});
-  _lend(value, [&value] { value._fields(); });
+  _lend(value);
+  value._fields();
+  _regain(value);
   state_->at = behind;
 }
 

@@ -28,7 +28,7 @@ constexpr std::string_view kItem = "item";
 // spaces of tabs and line ends.
 constexpr ZmCharSet kMarkup("&<>\r\x7f"), kQuoted("&<>\r\x7f\"\t\n");
 
-std::string_view reference(char c) {
+std::string_view entity(char c) {
   switch (c) {
     case '&':
       return "&amp;";
@@ -102,7 +102,7 @@ struct ZmPack::Writer {
   void escaped(std::string_view text, const ZmCharSet& special) {
     for (ZmTextCursor in(text); !in.eof();) {
       put(in.until(special));
-      if (!in.eof()) put(reference(in.take()[0]));
+      if (!in.eof()) put(entity(in.take()[0]));
     }
   }
   void attribute(std::string_view label, std::string_view value) {
@@ -156,7 +156,9 @@ struct ZmPack::Writer {
       value.encodeXML();
       --pack.state_->depth;
     } else {
-      pack._lend(value, [&value] { value.encodeXML(); });
+      pack._lend(value);
+      value.encodeXML();
+      pack._regain(value);
     }
     if (pack.state_->used == from) {
       pack.state_->used -= 2;
@@ -253,7 +255,13 @@ void ZmPack::restoreXML(const ZmString& name, ZmString& value) {
 
 void ZmPack::restoreXML(const ZmString& name, ZmPack& value) {
   ZmPackObj* element = _xml() ? _xml()->find(name) : nullptr;
-  if (element && &value != this) _lend(value, [&] { value._decodeXML(*element); });
+  if (element && &value != this) _restoreItem(*element, value);
+}
+
+void ZmPack::_restoreItem(ZmPackObj& item, ZmPack& value) {
+  _lend(value);
+  value._decodeXML(item);
+  _regain(value);
 }
 
 void ZmPack::_decodeXML(ZmPackObj& element) {
@@ -279,6 +287,8 @@ ZmPackObj* ZmPack::_item(int& at) const {
   return nullptr;
 }
 
-std::unique_ptr<ZmString> ZmPack::_takeItem(ZmPackObj& item, const ZmString*) {
-  return item.taketext();
+ZmOwned<ZmString> ZmPack::_takeItem(ZmPackObj& item, const ZmString*) {
+  return ZmOwned(item.taketext().release());
 }
+
+ZmOwned<ZmString> ZmPack::_takeKey(ZmPackObj& item) { return ZmOwned(item.takekey().release()); }

@@ -97,10 +97,9 @@ class ZM_EXPORT ZmBaseHash {
     return table_.set(value, key, hash, _destroy);
   }
   const ZmBaseHashTable& _table() const { return table_; }  ///< For walking over the pairs.
-  ZmBaseHashTable& _table() {
-    return table_;
-  }  ///< To store without a second search.
-     /// @}
+  /// To store without a second search.
+  ZmBaseHashTable& _table() { return table_; }
+  /// @}
 
  private:
   static void _destroy(void* value) { delete static_cast<T*>(value); }

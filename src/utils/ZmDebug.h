@@ -47,9 +47,8 @@ class ZM_EXPORT ZmDebug {
   ZmDebug& operator<<(int value);              ///< A number.
   ZmDebug& operator<<(unsigned int value);     ///< A number.
   ZmDebug& operator<<(long long value);        ///< A number.
-  ZmDebug& operator<<(long value) {
-    return *this << static_cast<long long>(value);
-  }                                  ///< A number; what std::int64_t may be.
+  /// A number; what std::int64_t may be.
+  ZmDebug& operator<<(long value) { return *this << static_cast<long long>(value); }
   ZmDebug& operator<<(float value);  ///< A number.
   ZmDebug& operator<<(char value);   ///< A character.
 

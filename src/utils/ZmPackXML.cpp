@@ -1,4 +1,5 @@
 // The XML form of packs: writing, and reading from the parsed tree.
+#include <algorithm>
 #include <bit>
 #include <cerrno>
 #include <charconv>
@@ -29,24 +30,12 @@ constexpr std::string_view kItem = "item";
 constexpr ZmCharSet kMarkup("&<>\r\x7f"), kQuoted("&<>\r\x7f\"\t\n");
 
 std::string_view entity(char c) {
-  switch (c) {
-    case '&':
-      return "&amp;";
-    case '<':
-      return "&lt;";
-    case '>':
-      return "&gt;";
-    case '"':
-      return "&quot;";
-    case '\t':
-      return "&#9;";
-    case '\n':
-      return "&#10;";
-    case '\r':
-      return "&#13;";
-    default:
-      return "&#127;";
-  }
+  constexpr struct {
+    char c;
+    std::string_view text;
+  } kEntities[] = {{'&', "&amp;"}, {'<', "&lt;"},   {'>', "&gt;"},   {'"', "&quot;"},
+                   {'\t', "&#9;"}, {'\n', "&#10;"}, {'\r', "&#13;"}, {'\x7f', "&#127;"}};
+  return std::ranges::find(kEntities, c, [](const auto& entity) { return entity.c; })->text;
 }
 
 // A NaN carries bits of its own. Those of any but the usual one stand behind it: "nan(12ab)".

@@ -38,6 +38,7 @@ unsigned char mark_of(std::uint64_t hash) { return static_cast<unsigned char>(ha
 
 }  // namespace
 
+// Ordered, so that keys made to collide cost a logarithm each. The keys lend their texts.
 struct ZmBaseHashTable::Overflow : std::map<std::string_view, std::uint32_t> {};
 
 struct ZmBaseHashTable::Growth {
@@ -236,6 +237,7 @@ void ZmBaseHashTable::add(int at, const Entry& entry) {
   ++count_;
 }
 
+// Only where a slot is free and nothing can be replaced.
 bool ZmBaseHashTable::fill(const Spot& spot, void* value, ZmString* key, Hash key_hash) {
   if (overflow_ || spot.place < 0 || spot.known) return false;
   add(spot.place, {key, value, key_hash});
@@ -377,6 +379,7 @@ void ZmBaseHashTable::walk(Call shown, void* visit) const {
   for (const auto& [text, number] : *overflow_) shown(entries_[number], visit);
 }
 
+// Sorted, because slot order depends on the random sizes of growth.
 void ZmBaseHashTable::walk_found(Call shown, void* visit) const {
   std::vector<const Entry*> found;
   each([&](const Entry& entry) {

@@ -28,6 +28,8 @@ class LabelOrder : public ZmStringList {
 
 ZmConfig::ZmConfig(const ZmConfig& other) : ZmPack(other) { copy(other); }
 
+// A copy of the options keeps the order of their setting. It needs a list only where the other
+// section has one, or where the copy may hold entries that its lookups don't find.
 void ZmConfig::copy(const ZmConfig& other) {
   if (this == &other) return;
   address_ = other.address_;
@@ -39,6 +41,7 @@ void ZmConfig::copy(const ZmConfig& other) {
   if (labels_->length() < 1) options_.copykeys(*labels_);
 }
 
+// From here on the label order is kept apart from the options.
 ZmStringList& ZmConfig::_list() {
   if (!labels_) labels_.reset(new ZmStringList(optionlist()));
   return *labels_;
@@ -80,6 +83,7 @@ void ZmConfig::option(const ZmString& label, const ZmString& value) {
   _store(zm_view(label), ZmBaseHashTable::hash(zm_view(label)), zm_view(value), value.secure());
 }
 
+// One search serves both: where the label is and where a new one goes.
 int ZmConfig::_store(std::string_view label, ZmBaseHashTable::Hash hash, std::string_view value,
                      unsigned char secure) {
   const ZmBaseHashTable& table = options_._table();
@@ -102,6 +106,8 @@ int ZmConfig::_store(std::string_view label, ZmBaseHashTable::Hash hash, std::st
   return _add(spot, hash, std::move(key), std::move(made));
 }
 
+// All memory but that of tables is taken before the option is stored: a section never lists a label
+// that it lacks, and what throws before leaves it as it was.
 int ZmConfig::_add(const ZmBaseHashTable::Spot& spot, ZmBaseHashTable::Hash hash,
                    ZmOwned<ZmString> key, ZmOwned<ZmString> value) {
   const std::string_view label = zm_view(*key);
@@ -165,6 +171,7 @@ void ZmConfig::encode() {
 
 void ZmConfig::decode() {
   ZmStringList& list = _list();
+  // Lists and hashes add what a record holds: only an empty one is replaced by it.
   if (_offers(kLabels, list)) list.clear();
   if (_offers(kOptions, options_)) options_.clear();
   restore(kAddress, address_);

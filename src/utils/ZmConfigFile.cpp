@@ -29,6 +29,7 @@ void ZmConfigFile::tokenize(const ZmString& text, ZmStringList& tokens) const {
   for (ZmConfigToken token; scanner.next(token);) zm_push(tokens, token.text);
 }
 
+// Copies, since the caller's list owns what is pushed.
 void ZmConfigFile::keys(ZmStringList& list) const {
   sections_._table().each([&list](const auto& entry) { list._push(new ZmString(*entry.key)); });
 }

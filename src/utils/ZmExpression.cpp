@@ -115,6 +115,7 @@ void ZmExpression::_hold(ZmReference* reference) {
   if (reference) reference->increment();
 }
 
+// Found once here and not at each evaluation.
 void ZmExpression::op(const ZmString& op) {
   op_ = op;
   cache_.op = zm_operator(zm_view(op_));
@@ -149,6 +150,7 @@ void ZmExpression::reference(ZmReference* reference) {
 
 bool ZmExpression::_unary() const { return cache_.op && cache_.op->unary(); }
 
+// In the order in which evaluation looks for a value. A name without any source is its own value.
 bool ZmExpression::_known() const {
   if (value_.length() > 0) return true;
   if (reference_) return reference_->valid(name_);

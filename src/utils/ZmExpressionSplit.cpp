@@ -85,6 +85,7 @@ void ZmExpression::splittab(const ZmString& source, ZmStringList& elements) {
   splitchar(source, '\t', elements);
 }
 
+// A separator at the end starts no further element.
 void ZmExpression::splitchar(const ZmString& source, char separator, ZmStringList& elements) {
   for (std::string_view text = zm_view(source); !text.empty();) {
     const std::size_t end = std::min(text.find(separator), text.size());
@@ -98,6 +99,7 @@ void ZmExpression::splitspace(const ZmString& source, ZmStringList& elements) {
   for (in.skip(kZmSpace); !in.eof(); in.skip(kZmSpace)) zm_push(elements, in.until(kZmSpace));
 }
 
+// Nothing is trimmed here, unlike below.
 void ZmExpression::splitperiod(const ZmString& source, ZmString& left, ZmString& right) {
   const std::string_view text = zm_view(source);
   const std::size_t end = std::min(text.find('.'), text.size());

@@ -52,6 +52,7 @@ unsigned char* ZmPack::_room(long long n) {
   return at;
 }
 
+// Records have signed 32-bit lengths, so a longer one could not be read.
 void ZmPack::_grow(long long need) {
   if (need > INT_MAX) throw std::bad_alloc();
   State& to = *state_;
@@ -103,6 +104,7 @@ void ZmPack::store(int tag, const char* value) {
 
 void ZmPack::store(int tag, ZmPack& value) {
   if (&value == this) return;
+  // The length is not known yet; its place is filled in when the fields are there.
   zm_put_big_endian(_field(tag, kNested, 8), value.type());
   const int from = state_->used;
   _lend(value);
@@ -147,7 +149,7 @@ int ZmPack::unpack(const char* data, int length) {
   // The record may stand in this object's own buffer, which therefore lives until it is read.
   const ZmOwned<State> own = std::move(state_);
   const auto* bytes = reinterpret_cast<const unsigned char*>(data);
-  if (zm_get_big_endian<int>(bytes) != kVersion) return 3;
+  if (zm_get_big_endian<int>(bytes) != kVersion) return 3;  // a lone one too
   if (length == 4) return 2;
   _state().at = {bytes + 4, length - 4};
   _fields();
@@ -177,6 +179,7 @@ bool ZmPack::_next() {
   return true;
 }
 
+// A payload that is cut short takes the rest with it: nothing behind it can be told apart.
 const unsigned char* ZmPack::_bytes(int n) {
   Place& at = state_->at;
   const unsigned char* bytes = n >= 0 && n <= at.left ? at.cursor : nullptr;
@@ -221,6 +224,7 @@ void ZmPack::restore(int tag, ZmString& value) {
 void ZmPack::restore(int tag, ZmPack& value) {
   int type = 0;
   if (&value == this || !_take(tag, kNested, type)) return;
+  // A type that nobody expects here ends the record: its length can't be trusted either.
   const bool fits = type == value.type() && state_->depth < kDeepest;
   const unsigned char* size = fits ? _bytes(4) : nullptr;
   const int length = size ? zm_get_big_endian<int>(size) : -1;
@@ -234,6 +238,7 @@ void ZmPack::restore(int tag, ZmPack& value) {
   state_->at = behind;
 }
 
+// Looks ahead without taking anything: a container is emptied for a record only if that is sound.
 bool ZmPack::_offers(int tag, const ZmPack& value) const {
   if (_consumed() || _tag() != tag || _code() != kNested) return false;
   const Place& at = state_->at;

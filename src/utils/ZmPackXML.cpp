@@ -149,7 +149,7 @@ struct ZmPack::Writer {
       value.encodeXML();
       pack._regain(value);
     }
-    if (pack.state_->used == from) {
+    if (pack.state_->used == from) {  // empty: what closed the start tag goes again
       pack.state_->used -= 2;
       return put("/>\n");
     }
@@ -239,7 +239,7 @@ void ZmPack::restoreXML(const ZmString& name, char& value) {
 
 void ZmPack::restoreXML(const ZmString& name, ZmString& value) {
   const ZmString* text = _text(name);
-  if (text) value.copy(text->value(), text->length());
+  if (text) value.copy(text->value(), text->length());  // not its flag: the value may be secure
 }
 
 void ZmPack::restoreXML(const ZmString& name, ZmPack& value) {
@@ -253,6 +253,7 @@ void ZmPack::_restoreItem(ZmPackObj& item, ZmPack& value) {
   _regain(value);
 }
 
+// The element around is at hand again afterwards, for the members that follow.
 void ZmPack::_decodeXML(ZmPackObj& element) {
   const Place outside = std::exchange(_state().at, {});
   state_->at.element = &element;
@@ -260,6 +261,7 @@ void ZmPack::_decodeXML(ZmPackObj& element) {
   _state().at = outside;
 }
 
+// Blanks count as nothing: an empty list may have been written by hand, on two lines.
 int ZmPack::_insideXML(const ZmString& name) const {
   const ZmPackObj* element = _xml() ? _xml()->find(name) : nullptr;
   if (!element) return -1;

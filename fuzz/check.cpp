@@ -48,13 +48,13 @@ void checkfindings(const ZmConfigCheck& check, std::string_view text) {
 
 void checksection(const ZmConfigCheck& check, std::string_view text, const ZmConfig& section) {
   checkplace(check, text, check.place(section));
-  for (int i = 0; i < section._count(); ++i) {
+  for (int i = 0; i < section.length(); ++i) {
     const auto origin = check.origin(section, i);
     checkplace(check, text, origin.label);
     checkplace(check, text, origin.value);
     if (i > 2) continue;  // each reads the text anew
-    const auto history = check.history(zm_view(section.name()), zm_view(section._labelat(i)));
-    require(history.consistent && history.value == zm_view(section._optionat(i)));
+    const auto history = check.history(zm_view(section.name()), zm_view(section.label(i)));
+    require(history.consistent && history.value == zm_view(section.value(i)));
     require(!history.assignments.empty() && history.assignments.back().raw == origin.raw);
   }
 }

@@ -54,9 +54,9 @@ TEST(ZmConfigCheck, KnowsWhereValuesComeFrom) {
   std::string all;
   for (const char* name : {"base", "y", "z"}) {
     const ZmConfig& section = *check.sections().get(name);
-    for (int i = 0; i < section._count(); ++i) {
+    for (int i = 0; i < section.length(); ++i) {
       const auto origin = check.origin(section, i);
-      all += std::string(name) + "." + section._labelat(i).value() + "=" + std::string(origin.raw) +
+      all += std::string(name) + "." + section.label(i).value() + "=" + std::string(origin.raw) +
              "@" + std::to_string(origin.label.line) + ":" + std::to_string(origin.value.column) +
              (origin.parent ? origin.parent->name().value() : "") + " ";
     }

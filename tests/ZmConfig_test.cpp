@@ -25,7 +25,7 @@ std::string held(const ZmConfig& config) {
   config.labels(labels);
   for (int i = 0; i < labels.length(); ++i) {
     const ZmString& label = *labels.get(i);
-    EXPECT_TRUE(config.exists(label) && &config._optionat(i) == &config.option(label));
+    EXPECT_TRUE(config.exists(label) && &config.value(i) == &config.option(label));
     text += std::string(label.value()) + "=" + config.option(label).value() + ";";
   }
   return text;
@@ -55,7 +55,7 @@ TEST(ZmConfig, HoldsManyLabelsThroughReplacementsAndRemovals) {
   for (int i = 0; i < kLabels; ++i) config.option(i, i);
   ZmConfig emptied(config);
   for (int i = kLabels; i-- > 0;) EXPECT_EQ(emptied.remove(i), 1);  // in linear time
-  EXPECT_EQ(emptied._count(), 0);
+  EXPECT_EQ(emptied.length(), 0);
   for (int i = 0; i < kLabels; i += 3) config.remove(i);
   for (int i = 1; i < kLabels; i += 3) config.option(i, -i);
   for (int i = 0; i < kLabels; ++i)

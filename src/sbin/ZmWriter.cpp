@@ -30,17 +30,6 @@ bool ZmWriter::flush() {
   return good_;
 }
 
-// A streambuf without a put area: every byte that a stream writes comes here or to xsputn().
-ZmWriter::int_type ZmWriter::overflow(int_type c) {
-  if (c != traits_type::eof()) write(traits_type::to_char_type(c));
-  return traits_type::not_eof(c);
-}
-
-std::streamsize ZmWriter::xsputn(const char* text, std::streamsize count) {
-  write(std::string_view(text, static_cast<std::size_t>(count)));
-  return count;
-}
-
 void ZmWriter::send(std::string_view text) {
   while (good_ && !text.empty()) {
     const ssize_t n = ::write(fd_, text.data(), text.size());

@@ -28,8 +28,11 @@ class ZmWriter : public std::streambuf {
 
  protected:
   int sync() override { return flush() ? 0 : -1; }
-  int_type overflow(int_type c) override;
-  std::streamsize xsputn(const char* text, std::streamsize count) override;
+  // Without a put area: every byte that a stream writes comes here.
+  int_type overflow(int_type c) override {
+    if (c != traits_type::eof()) write(traits_type::to_char_type(c));
+    return traits_type::not_eof(c);
+  }
 
  private:
   void make_room(std::string_view text);

@@ -46,8 +46,8 @@ Json finding_json(const ZmConfigCheck& check, const ZmConfigCheck::Finding& find
 
 Json option_json(const ZmConfigCheck& check, const ZmConfig& section, int label) {
   const ZmConfigCheck::Origin origin = check.origin(section, label);
-  Json json{{"name", zm_view(section._labelat(label))},
-            {"value", zm_view(section._optionat(label))},
+  Json json{{"name", zm_view(section.label(label))},
+            {"value", zm_view(section.value(label))},
             {"raw", origin.raw},
             {"line", origin.label.line},
             {"column", origin.label.column},
@@ -60,7 +60,7 @@ Json section_json(const ZmConfigCheck& check, const ZmString& key) {
   const ZmConfig& section = *check.sections().get(key);
   Json json{
       {"name", zm_view(key)}, {"line", check.place(section).line}, {"options", Json::array()}};
-  for (int i = 0; i < section._count(); ++i)
+  for (int i = 0; i < section.length(); ++i)
     json["options"].push_back(option_json(check, section, i));
   return json;
 }

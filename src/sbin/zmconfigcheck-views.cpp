@@ -78,10 +78,10 @@ int explain_option(const std::string& file, const ZmConfigCheck& check, std::str
 }
 
 int explain_section(const std::string& file, const ZmConfigCheck& check, const ZmConfig& section) {
-  for (int i = 0; i < section._count(); ++i) {
+  for (int i = 0; i < section.length(); ++i) {
     const ZmConfigCheck::Origin origin = check.origin(section, i);
     output().write(file + ":" + std::to_string(origin.label.line) + ": " +
-                   section._labelat(i).value() + " = " + quoted(zm_view(section._optionat(i))) +
+                   section.label(i).value() + " = " + quoted(zm_view(section.value(i))) +
                    "\n");
   }
   return 0;
@@ -91,8 +91,8 @@ int explain_section(const std::string& file, const ZmConfigCheck& check, const Z
 void print(const std::string& file, const ZmConfigCheck& check, const ZmConfig& section, int label,
            char sign) {
   const ZmConfigCheck::Origin origin = check.origin(section, label);
-  std::string text = std::string(1, sign) + section._labelat(label).value() + " = " +
-                     quoted(zm_view(section._optionat(label))) + "\n" + sign + "  " +
+  std::string text = std::string(1, sign) + section.label(label).value() + " = " +
+                     quoted(zm_view(section.value(label))) + "\n" + sign + "  " +
                      where(file, origin.label);
   if (origin.parent) text += std::string(", inherited from ") + origin.parent->name().value();
   output().write(text + "\n");
@@ -118,19 +118,19 @@ int diff(const std::string& file, const ZmConfigCheck& check, const std::string&
   const ZmConfig& a = known(file, check, first);
   const ZmConfig& b = known(file, check, second);
   std::unordered_map<std::string_view, int> labels;  // of b
-  for (int i = 0; i < b._count(); ++i) labels.emplace(zm_view(b._labelat(i)), i);
+  for (int i = 0; i < b.length(); ++i) labels.emplace(zm_view(b.label(i)), i);
   std::vector<std::pair<int, int>> blocks;  // positions in a and b; -1: it has none
-  for (int i = 0; i < a._count(); ++i) {
-    const auto at = labels.find(zm_view(a._labelat(i)));
+  for (int i = 0; i < a.length(); ++i) {
+    const auto at = labels.find(zm_view(a.label(i)));
     const int other = at == labels.end() ? -1 : at->second;
-    if (other < 0 || a._optionat(i) != b._optionat(other)) blocks.emplace_back(i, other);
+    if (other < 0 || a.value(i) != b.value(other)) blocks.emplace_back(i, other);
   }
-  for (int i = 0; i < b._count(); ++i)
-    if (!a._find(zm_view(b._labelat(i)))) blocks.emplace_back(-1, i);
+  for (int i = 0; i < b.length(); ++i)
+    if (!a._find(zm_view(b.label(i)))) blocks.emplace_back(-1, i);
   if (blocks.empty()) return 0;
   output().write("--- " + first + "\n+++ " + second + "\n");
   for (const auto& [in_a, in_b] : blocks) {
-    output().write("@@ " + std::string((in_a < 0 ? b._labelat(in_b) : a._labelat(in_a)).value()) +
+    output().write("@@ " + std::string((in_a < 0 ? b.label(in_b) : a.label(in_a)).value()) +
                    " @@\n");
     if (in_a >= 0) print(file, check, a, in_a, '-');
     if (in_b >= 0) print(file, check, b, in_b, '+');

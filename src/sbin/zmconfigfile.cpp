@@ -6,8 +6,6 @@
 #include <memory>
 #include <new>
 #include <stdexcept>
-#include <utility>
-#include <vector>
 
 #include "ZmFile.h"
 #include "ZmParam.h"
@@ -19,10 +17,10 @@ namespace {
 
 void print(const ZmConfig& section) {
   ZmWriter& out = output();
-  for (int i = 0; i < section._count(); ++i) {
-    const ZmString& value = section._optionat(i);
+  for (int i = 0; i < section.length(); ++i) {
+    const ZmString& value = section.value(i);
     const std::string_view quote("\"", value.hasspace() ? 1 : 0);
-    out.write(zm_view(section._labelat(i)));
+    out.write(zm_view(section.label(i)));
     out.write(" = ");
     out.write(quote);
     out.write(zm_view(value));
@@ -31,18 +29,20 @@ void print(const ZmConfig& section) {
   }
 }
 
+// The sections' own names, which go back to them.
+struct Names : ZmStringList {
+  ~Names() override { release(); }
+};
+
 void print(const ZmConfigFile& file) {
-  std::vector<std::pair<const ZmString*, const ZmConfig*>> sections;
-  file._sections()._table().each([&sections](const ZmString* name, const void* section) {
-    sections.emplace_back(name, static_cast<const ZmConfig*>(section));
-  });
-  zm_sort_texts(sections.data(), static_cast<int>(sections.size()),
-                [](const auto& section) { return section.first; });
-  for (const auto& [name, section] : sections) {
+  Names names;
+  file.sections().keys(names);
+  names.sort();
+  for (int i = 0; i < names.length(); ++i) {
     output().write('[');
-    output().write(zm_view(*name));
+    output().write(zm_view(*names.get(i)));
     output().write("]\n");
-    print(*section);
+    print(*file.config(*names.get(i)));
   }
 }
 

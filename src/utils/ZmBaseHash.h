@@ -1,7 +1,6 @@
 #ifndef ZM_BASE_HASH_H
 #define ZM_BASE_HASH_H
 
-#include <memory>
 #include <type_traits>
 
 #include "ZmBaseHashTable.h"
@@ -23,10 +22,11 @@ class ZM_EXPORT ZmBaseHash {
  public:
   ZmBaseHash() = default;                               ///< Empty, 17 slots.
   ZmBaseHash(const ZmBaseHash& other) { copy(other); }  ///< A deep copy.
+  /// copy(other).
   ZmBaseHash& operator=(const ZmBaseHash& other) {
     copy(other);
     return *this;
-  }                                   ///< copy(other).
+  }
   virtual ~ZmBaseHash() { clear(); }  ///< The only virtual slot.
 
   /// The hash of a key: each byte, as a signed number, times 7 to the power of its position; wraps.
@@ -44,25 +44,29 @@ class ZM_EXPORT ZmBaseHash {
   unsigned char set(T* value, ZmString* key) { return table_.set(value, key, _destroy); }
   /// The same with a copy of the key.
   unsigned char set(T* value, const ZmString& key) {
-    std::unique_ptr<ZmString> copied(ZmString::_exact(key));
+    ZmOwned<ZmString> copied(ZmString::_exact(key));
     set(value, copied.get());
-    static_cast<void>(copied.release());
+    copied.release();
     return 1;
+  }
+  /// set(), which destroys both when it throws.
+  void _own(ZmOwned<T> value, ZmOwned<ZmString> key) {
+    set(value.get(), key.get());
+    value.release();
+    key.release();
   }
   /// The value stored under the key, now the caller's; null when there is none.
   T* remove(const ZmString& key) { return static_cast<T*>(table_.remove(key)); }
   /// Clears the list, then lends it the hash's own keys: empty it with release(), never clear().
   void keys(ZmBaseList<ZmString>& out) const {
     out.clear();
-    table_.each([&out](ZmString* key, void*) { out.push(key); });
+    table_.each([&out](const ZmBaseHashTable::Entry& entry) { out.push(entry.key); });
   }
   /// Clears the list, then gives it copies of the keys.
   void copykeys(ZmBaseList<ZmString>& out) const {
     out.clear();
-    table_.each([&out](ZmString* key, void*) {
-      std::unique_ptr<ZmString> copied(ZmString::_exact(*key));
-      if (out.push(copied.get())) static_cast<void>(copied.release());
-    });
+    table_.each(
+        [&out](const ZmBaseHashTable::Entry& entry) { out._push(ZmString::_exact(*entry.key)); });
   }
   /// Destroys what is held, then copies every pair into the slot it has in the other hash, texts
   /// without room to grow. Entries
@@ -76,19 +80,21 @@ class ZM_EXPORT ZmBaseHash {
   void release() { table_.clear(nullptr); }   ///< Destroys the keys and forgets the values.
   void resize() { table_.resize(_destroy); }  ///< Grows the table; set() does so when it must.
 
-  /// @name For callers that know the hash of the key
+  /// @name For the library's own classes, which know the hash of the key
   /// @{
+
+  /// As get().
   T* _get(std::string_view key, ZmBaseHashTable::Hash hash) const {
     return static_cast<T*>(table_.get(key, hash));
-  }  ///< As get().
+  }
+  /// As set().
   unsigned char _set(T* value, ZmString* key, ZmBaseHashTable::Hash hash) {
     return table_.set(value, key, hash, _destroy);
-  }                                                         ///< As set().
+  }
   const ZmBaseHashTable& _table() const { return table_; }  ///< For walking over the pairs.
-  ZmBaseHashTable& _table() {
-    return table_;
-  }  ///< For storing without a second search.
-     /// @}
+  /// To store without a second search.
+  ZmBaseHashTable& _table() { return table_; }
+  /// @}
 
  private:
   static void _destroy(void* value) { delete static_cast<T*>(value); }
@@ -97,7 +103,7 @@ class ZM_EXPORT ZmBaseHash {
     if (!value) return nullptr;
     if constexpr (std::is_same_v<T, ZmString>)
       return ZmString::_exact(*static_cast<const ZmString*>(value));
-    auto object = std::make_unique<T>();
+    ZmOwned<T> object(new T);
     object->copy(*static_cast<const T*>(value));
     return object.release();
   }

@@ -4,8 +4,9 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
+#include <map>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -37,18 +38,32 @@ unsigned char mark_of(std::uint64_t hash) { return static_cast<unsigned char>(ha
 
 }  // namespace
 
+// Ordered, so that keys made to collide cost a logarithm each. The keys lend their texts.
+struct ZmBaseHashTable::Overflow : std::map<std::string_view, std::uint32_t> {};
+
+struct ZmBaseHashTable::Growth {
+  ZmBaseHashSlots slots;
+  int count = 0;                          // entries in them
+  std::vector<std::uint32_t> replaced{};  // those that had to give way to a later one of their key
+};
+
 ZmBaseHashSlots::ZmBaseHashSlots(int size, std::uint64_t numbers)
     : size_(size),
       width_(numbers <= 256     ? 1
              : numbers <= 65536 ? 2
                                 : 4) {
-  bytes_.reset(
-      new unsigned char[static_cast<std::size_t>(size) * (1U + static_cast<unsigned>(width_))]);
+  bytes_ = new unsigned char[static_cast<std::size_t>(size) * (1U + static_cast<unsigned>(width_))];
   clear();
 }
 
+void ZmBaseHashSlots::swap(ZmBaseHashSlots& other) {
+  std::swap(bytes_, other.bytes_);
+  std::swap(size_, other.size_);
+  std::swap(width_, other.width_);
+}
+
 unsigned char* ZmBaseHashSlots::place(int at) const {
-  return bytes_.get() + size_ + static_cast<std::ptrdiff_t>(at) * width_;
+  return bytes_ + size_ + static_cast<std::ptrdiff_t>(at) * width_;
 }
 
 std::uint32_t ZmBaseHashSlots::number(int at) const {
@@ -59,20 +74,20 @@ std::uint32_t ZmBaseHashSlots::number(int at) const {
 }
 
 void ZmBaseHashSlots::put(int at, unsigned char mark, std::uint32_t number) {
-  bytes_[static_cast<std::size_t>(at)] = mark;
+  bytes_[at] = mark;
   unsigned char* to = place(at);
   for (int i = width_; i-- > 0; number >>= 8) to[i] = static_cast<unsigned char>(number);
 }
 
 bool ZmBaseHashSlots::anyremoved() const {
-  return std::memchr(bytes_.get(), kRemoved, static_cast<std::size_t>(size_)) != nullptr;
+  return std::memchr(bytes_, kRemoved, static_cast<std::size_t>(size_)) != nullptr;
 }
 
-void ZmBaseHashSlots::clear() {
-  std::memset(bytes_.get(), kEmpty, static_cast<std::size_t>(size_));
-}
+void ZmBaseHashSlots::clear() { std::memset(bytes_, kEmpty, static_cast<std::size_t>(size_)); }
 
 ZmBaseHashTable::ZmBaseHashTable() : slots_(kStartSize, 0) {}
+
+ZmBaseHashTable::~ZmBaseHashTable() { delete[] entries_; }
 
 ZmBaseHashTable::Hash ZmBaseHashTable::hash(std::string_view key) {
   // The bytes count as signed: those of 128 and above subtract.
@@ -173,48 +188,56 @@ void* ZmBaseHashTable::remove(const ZmString& key) {
 void ZmBaseHashTable::drop(std::uint32_t number) {
   delete std::exchange(entries_[number].key, nullptr);
   --live_;
-  while (!entries_.empty() && !entries_.back().key) entries_.pop_back();
+  while (used_ > 0 && !entries_[used_ - 1].key) --used_;
 }
 
 // Closes the gaps; the numbers then have as many bytes as a quarter more entries need.
 void ZmBaseHashTable::renumber() const {
-  const auto live = static_cast<std::size_t>(live_);
-  ZmBaseHashSlots slots(slots_.size(), live + live / 4 + 1);
-  std::vector<std::uint32_t> numbers(entries_.size());
+  ZmBaseHashSlots slots(slots_.size(), std::uint64_t{live_} + live_ / 4 + 1);
+  std::vector<std::uint32_t> numbers(used_);
   std::uint32_t next = 0;
-  for (std::size_t i = 0; i < entries_.size(); ++i)
-    if (entries_[i].key) numbers[i] = next++;
+  for (std::uint32_t i = 0; i < used_; ++i) {
+    if (!entries_[i].key) continue;
+    numbers[i] = next;
+    entries_[next++] = entries_[i];
+  }
   for (int i = 0; i < slots.size(); ++i)
     slots.put(i, slots_.mark(i), slots_.occupied(i) ? numbers[slots_.number(i)] : 0);
-  slots_ = std::move(slots);
+  slots_.swap(slots);
   if (overflow_)
     for (auto& [text, number] : *overflow_) number = numbers[number];
-  std::erase_if(entries_, [](const Entry& entry) { return !entry.key; });
+  used_ = live_;
 }
 
 // For one more entry. What renumbering costs is paid by the entries that came or went since.
 void ZmBaseHashTable::make_room() {
-  const std::size_t used = entries_.size();
-  if (used == slots_.numbers() || (used == entries_.capacity() && gaps() > used / 4)) renumber();
-  if (entries_.size() < entries_.capacity()) return;
-  entries_.reserve(used + std::max<std::size_t>(4, used / 4));
+  if (used_ == slots_.numbers() || (used_ == room_ && gaps() > used_ / 4)) renumber();
+  if (used_ == room_) reserve(room_ + std::max(4U, room_ / 4));
+}
+
+void ZmBaseHashTable::reserve(std::uint32_t room) {
+  auto* const entries = new Entry[room];
+  std::copy(entries_, entries_ + used_, entries);
+  delete[] entries_;
+  entries_ = entries;
+  room_ = room;
 }
 
 // Into a slot, or into the overflow when there is none for it.
 void ZmBaseHashTable::add(int at, const Entry& entry) {
   make_room();
-  const auto number = static_cast<std::uint32_t>(entries_.size());
   if (at >= 0) {
-    slots_.put(at, mark_of(entry.hash), number);
+    slots_.put(at, mark_of(entry.hash), used_);
   } else {
-    if (!overflow_) overflow_ = std::make_unique<Overflow>();
-    overflow_->emplace(zm_view(*entry.key), number);
+    if (!overflow_) overflow_.reset(new Overflow);
+    overflow_->emplace(zm_view(*entry.key), used_);
   }
-  entries_.push_back(entry);
+  entries_[used_++] = entry;
   ++live_;
   ++count_;
 }
 
+// Only where a slot is free and nothing can be replaced.
 bool ZmBaseHashTable::fill(const Spot& spot, void* value, ZmString* key, Hash key_hash) {
   if (overflow_ || spot.place < 0 || spot.known) return false;
   add(spot.place, {key, value, key_hash});
@@ -257,99 +280,112 @@ bool ZmBaseHashTable::refused(long long size) const {
   return size > INT_MAX || (size > kFreeGrowth && size > kSlotsPerEntry * live_);
 }
 
-bool ZmBaseHashTable::store(ZmBaseHashSlots& slots, std::uint32_t number,
-                            std::vector<std::uint32_t>& replaced) const {
+// Puts an entry where it belongs; false when there is no place.
+bool ZmBaseHashTable::store(Growth& to, std::uint32_t number) const {
   const Entry& entry = entries_[number];
-  const int at = seek(slots, entry.hash, [&entry] { return zm_view(*entry.key); }).place;
+  const int at = seek(to.slots, entry.hash, [&entry] { return zm_view(*entry.key); }).place;
   if (at < 0) return false;
-  if (slots.occupied(at)) replaced.push_back(slots.number(at));
-  slots.put(at, mark_of(entry.hash), number);
+  if (to.slots.occupied(at)) {
+    to.replaced.push_back(to.slots.number(at));
+  } else {
+    ++to.count;
+  }
+  to.slots.put(at, mark_of(entry.hash), number);
   return true;
 }
 
-// Puts what stands in the slots into other ones, in slot order; false when an entry finds no place.
-// Counts those that found one without replacing another.
-bool ZmBaseHashTable::refill(ZmBaseHashSlots& slots, std::vector<std::uint32_t>& replaced,
-                             int& count) const {
-  for (int i = 0; i < slots_.size(); ++i) {
-    if (!slots_.occupied(i)) continue;
-    const std::size_t before = replaced.size();
-    if (!store(slots, slots_.number(i), replaced)) return false;
-    if (replaced.size() == before) ++count;
-  }
+// Slot by slot, in their order; false when an entry finds no place.
+bool ZmBaseHashTable::refill(Growth& to) const {
+  for (int i = 0; i < slots_.size(); ++i)
+    if (slots_.occupied(i) && !store(to, slots_.number(i))) return false;
   return true;
 }
 
 bool ZmBaseHashTable::resize(Destroy destroy) {
   if (live_ < patience_) return false;
-  std::vector<std::uint32_t> replaced;  // of an attempt; destroyed only once that has succeeded
-  int count = 0;                        // of all attempts: those that fail leave their part behind
-  int size = slots_.size();
-  for (bool filled = false; !filled;) {
+  int count = 0;  // of all attempts: those that fail leave their part behind
+  for (int size = slots_.size();;) {
     const long long next = size * 4LL + 1 + std::rand() % 100;
     if (refused(next)) {
       if (size != slots_.size()) patience_ = live_ * 2;
       return false;
     }
     size = static_cast<int>(next);
-    ZmBaseHashSlots slots(size, slots_.numbers());
-    replaced.clear();
-    filled = refill(slots, replaced, count);
-    if (filled) slots_ = std::move(slots);
+    Growth to{ZmBaseHashSlots(size, slots_.numbers()), count};
+    const bool filled = refill(to);
+    count = to.count;
+    if (!filled) continue;
+    take(to, destroy);
+    return true;
   }
-  count_ = count;
-  empty_overflow(replaced);
-  for (const std::uint32_t number : replaced) {
+}
+
+// The overflow's entries that find a place now move there. What was replaced is destroyed only
+// here, once nothing can fail any more.
+void ZmBaseHashTable::take(Growth& to, Destroy destroy) {
+  if (overflow_) {
+    std::erase_if(*overflow_, [&](const auto& held) { return store(to, held.second); });
+    to.count += static_cast<int>(overflow_->size());
+    if (overflow_->empty()) overflow_.reset();
+  }
+  slots_.swap(to.slots);
+  count_ = to.count;
+  for (const std::uint32_t number : to.replaced) {
     void* const value = entries_[number].value;
     drop(number);
     if (value) destroy(value);
   }
-  return true;
-}
-
-// After a growth: what finds a place in the slots moves there.
-void ZmBaseHashTable::empty_overflow(std::vector<std::uint32_t>& replaced) {
-  if (!overflow_) return;
-  for (auto at = overflow_->begin(); at != overflow_->end();) {
-    const std::size_t before = replaced.size();
-    const bool stored = store(slots_, at->second, replaced);
-    at = stored ? overflow_->erase(at) : std::next(at);
-    if (replaced.size() == before) ++count_;
-  }
-  if (overflow_->empty()) overflow_.reset();
 }
 
 void ZmBaseHashTable::clear(Destroy destroy) {
-  for (const auto& [key, value, hash] : entries_) {
-    if (key && value && destroy) destroy(value);
-    delete key;
+  for (std::uint32_t i = 0; i < used_; ++i) {
+    const Entry& entry = entries_[i];
+    if (entry.key && entry.value && destroy) destroy(entry.value);
+    delete entry.key;
   }
-  entries_.clear();
   slots_.clear();
   overflow_.reset();
+  used_ = live_ = patience_ = 0;
   count_ = 0;
-  live_ = 0;
-  patience_ = 0;
 }
 
 void ZmBaseHashTable::copy(const ZmBaseHashTable& other, void* (*copy_value)(const void*)) {
   if (other.gaps()) other.renumber();
   // Every entry keeps its slot. A removed slot becomes an empty one, so what was placed beyond it
   // is listed and no longer found.
-  slots_ = ZmBaseHashSlots(other.slots_.size(), other.slots_.numbers());
-  entries_.reserve(other.entries_.size());
-  for (const auto& [key, value, hash] : other.entries_) {
-    std::unique_ptr<ZmString> made(ZmString::_exact(*key));
-    entries_.push_back({made.get(), copy_value(value), hash});
-    static_cast<void>(made.release());
+  ZmBaseHashSlots slots(other.slots_.size(), other.slots_.numbers());
+  slots_.swap(slots);
+  if (room_ < other.used_) reserve(other.used_);
+  for (; used_ < other.used_; ++used_, ++live_) {
+    const auto& [key, value, hash] = other.entries_[used_];
+    ZmOwned<ZmString> made(ZmString::_exact(*key));
+    entries_[used_] = {made.get(), copy_value(value), hash};
+    made.release();
   }
   for (int i = 0; i < slots_.size(); ++i)
     if (other.slots_.occupied(i)) slots_.put(i, other.slots_.mark(i), other.slots_.number(i));
-  if (other.overflow_) overflow_ = std::make_unique<Overflow>();
+  if (other.overflow_) overflow_.reset(new Overflow);
   if (other.overflow_)
     for (const auto& [text, number] : *other.overflow_)
       overflow_->emplace(zm_view(*entries_[number].key), number);
   count_ = other.count_;
-  live_ = other.live_;
   patience_ = other.patience_;
+}
+
+void ZmBaseHashTable::walk(Call shown, void* visit) const {
+  for (int i = 0; i < slots_.size(); ++i)
+    if (slots_.occupied(i)) shown(entries_[slots_.number(i)], visit);
+  if (!overflow_) return;
+  for (const auto& [text, number] : *overflow_) shown(entries_[number], visit);
+}
+
+// Sorted, because slot order depends on the random sizes of growth.
+void ZmBaseHashTable::walk_found(Call shown, void* visit) const {
+  std::vector<const Entry*> found;
+  each([&](const Entry& entry) {
+    if (find(zm_view(*entry.key), entry.hash) == &entry) found.push_back(&entry);
+  });
+  std::sort(found.begin(), found.end(),
+            [](const Entry* a, const Entry* b) { return zm_view(*a->key) < zm_view(*b->key); });
+  for (const Entry* entry : found) shown(*entry, visit);
 }

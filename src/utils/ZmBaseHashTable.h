@@ -5,11 +5,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
-#include <memory>
 #include <string_view>
-#include <vector>
 
+#include "ZmOwned.h"
 #include "ZmString.h"
 #include "ZmText.h"
 
@@ -22,21 +20,25 @@ class ZmBaseHashSlots {
   enum Mark : unsigned char { kEmpty, kRemoved, kZero, kMarks };
 
   ZmBaseHashSlots(int size, std::uint64_t numbers);  // all empty; for numbers below `numbers`
+  ZmBaseHashSlots(const ZmBaseHashSlots&) = delete;
+  ZmBaseHashSlots& operator=(const ZmBaseHashSlots&) = delete;
+  ~ZmBaseHashSlots() { delete[] bytes_; }
+  void swap(ZmBaseHashSlots& other);
 
   int size() const { return size_; }
   std::uint64_t numbers() const { return std::uint64_t{1} << 8 * width_; }  // above every number
-  unsigned char mark(int at) const { return bytes_[static_cast<std::size_t>(at)]; }
+  unsigned char mark(int at) const { return bytes_[at]; }
   bool occupied(int at) const { return mark(at) > kRemoved; }
   std::uint32_t number(int at) const;  // of an occupied slot
   void put(int at, unsigned char mark, std::uint32_t number);
-  void remove(int at) { bytes_[static_cast<std::size_t>(at)] = kRemoved; }
+  void remove(int at) { bytes_[at] = kRemoved; }
   bool anyremoved() const;
   void clear();
 
  private:
   unsigned char* place(int at) const;
 
-  std::unique_ptr<unsigned char[]> bytes_;
+  unsigned char* bytes_;
   int size_;
   int width_;  // bytes of a number: 1, 2 or 4
 };
@@ -66,12 +68,12 @@ class ZM_EXPORT ZmBaseHashTable {
   ZmBaseHashTable();
   ZmBaseHashTable(const ZmBaseHashTable&) = delete;
   ZmBaseHashTable& operator=(const ZmBaseHashTable&) = delete;
-  ~ZmBaseHashTable() = default;  // clear() first
+  ~ZmBaseHashTable();  // clear() first
 
   static Hash hash(std::string_view key);
 
   int count() const { return count_; }
-  int entries() const { return live_; }
+  int entries() const { return static_cast<int>(live_); }
   void* get(const ZmString& key) const { return get(zm_view(key), hash(zm_view(key))); }
   void* get(std::string_view key, Hash key_hash) const {
     const Entry* held = find(key, key_hash);
@@ -81,7 +83,7 @@ class ZM_EXPORT ZmBaseHashTable {
   // The entry at position i, in the order in which keys were first set: 0 to entries() - 1.
   const Entry& entry(int i) const {
     if (gaps()) renumber();
-    return entries_[static_cast<std::size_t>(i)];
+    return entries_[i];
   }
   // Where a key is and where set() would put it, as slots; -1: nowhere.
   struct Spot {
@@ -107,63 +109,59 @@ class ZM_EXPORT ZmBaseHashTable {
   // Whether a copy may hold entries that it does not find: those beyond a removed one.
   bool anyremoved() const { return slots_.anyremoved(); }
 
-  // Calls visit(key, value) for every pair: slot order, then the overflow in key order.
+  // Calls visit(entry) for every pair: slot order, then the overflow in key order.
   template <class Visit>
   void each(Visit visit) const {
-    each_if([](int) { return true; }, visit);
+    walk(call<Visit>, &visit);
   }
-  // The same for those that a lookup of their key finds.
+  // The same for those that a lookup of their key finds, in the order of their keys' bytes.
   template <class Visit>
   void each_found(Visit visit) const {
-    const auto found = [this](int at) {
-      const Entry& entry = entries_[slots_.number(at)];
-      return locate(zm_view(*entry.key), entry.hash).found == at;
-    };
-    each_if(found, visit);
+    walk_found(call<Visit>, &visit);
   }
 
  private:
-  using Overflow = std::map<std::string_view, std::uint32_t>;
+  struct Overflow;  // keys and the numbers of their entries
+  struct Growth;    // the slots that take the place of these
+  using Call = void (*)(const Entry& entry, void* visit);
 
-  template <class Condition, class Visit>
-  void each_if(Condition condition, Visit visit) const {
-    const auto show = [&](const Entry& entry) { visit(entry.key, entry.value); };
-    for (int i = 0; i < slots_.size(); ++i)
-      if (slots_.occupied(i) && condition(i)) show(entries_[slots_.number(i)]);
-    if (!overflow_) return;
-    for (const auto& [text, number] : *overflow_) show(entries_[number]);
+  template <class Visit>
+  static void call(const Entry& entry, void* visit) {
+    (*static_cast<Visit*>(visit))(entry);
   }
-  std::size_t gaps() const { return entries_.size() - static_cast<std::size_t>(live_); }
+  void walk(Call shown, void* visit) const;
+  void walk_found(Call shown, void* visit) const;
+  std::uint32_t gaps() const { return used_ - live_; }
   void renumber() const;
   void make_room();
+  void reserve(std::uint32_t room);
   void add(int at, const Entry& entry);
   static unsigned char mark(std::string_view key);
   template <class Text>
   Spot seek(const ZmBaseHashSlots& slots, Hash key_hash, Text text) const;
   void replace(std::uint32_t number, const Entry& entry, Destroy destroy);
   void drop(std::uint32_t number);
-  // Puts an entry into slots where it belongs; one of an equal key, which it replaces there, is
-  // added to `replaced`. False: no place.
-  bool store(ZmBaseHashSlots& slots, std::uint32_t number,
-             std::vector<std::uint32_t>& replaced) const;
+  bool store(Growth& to, std::uint32_t number) const;
+  bool refill(Growth& to) const;
   bool refused(long long size) const;
-  bool refill(ZmBaseHashSlots& slots, std::vector<std::uint32_t>& replaced, int& count) const;
-  void empty_overflow(std::vector<std::uint32_t>& replaced);
+  void take(Growth& to, Destroy destroy);
 
   // In the order in which keys were first set; an entry that is removed becomes a gap until the
-  // next renumber(), which changes nothing that shows. Every other entry has its number either in
-  // one slot or in the overflow.
-  mutable std::vector<Entry> entries_;
+  // next renumber(), which changes nothing that shows, so it may run in const operations. The last
+  // entry is no gap. Every entry but the gaps has its number either in one slot or in the overflow.
+  Entry* entries_ = nullptr;
+  mutable std::uint32_t used_ = 0;  // entries, gaps included
+  std::uint32_t room_ = 0;          // for entries
+  std::uint32_t live_ = 0;          // entries without the gaps
   mutable ZmBaseHashSlots slots_;
-  mutable std::unique_ptr<Overflow> overflow_;  // null while it is empty
-  int count_ = 0;                               // entries, and those of growth attempts that failed
-  int live_ = 0;                                // entries without the gaps
+  ZmOwned<Overflow> overflow_;  // null while it is empty
+  int count_ = 0;               // entries, and those of growth attempts that failed
   // No growth before there are so many entries: the last one tried sizes below the bound that had
   // no place for all, and then met the bound. Another random size might have done, so a key set
   // meanwhile may go to the overflow though a growth below the bound had found a place for it. That
   // takes groups of keys made to collide, of some 30 keys of one hash each, with slots in common;
   // without this every further key of such a group would cost a growth that comes to nothing.
-  int patience_ = 0;
+  std::uint32_t patience_ = 0;
 };
 
 #endif

@@ -1,9 +1,10 @@
 #ifndef ZM_BASE_LIST_H
 #define ZM_BASE_LIST_H
 
-#include <memory>
+#include <new>
 
 #include "ZmBaseListArray.h"
+#include "ZmOwned.h"
 
 /// The one ordered container: an owning array of object pointers.
 ///
@@ -23,10 +24,11 @@ class ZM_EXPORT ZmBaseList {
 
   ZmBaseList() = default;                               ///< Empty, without slots.
   ZmBaseList(const ZmBaseList& other) { copy(other); }  ///< A deep copy.
+  /// copy(other).
   ZmBaseList& operator=(const ZmBaseList& other) {
     copy(other);
     return *this;
-  }                                   ///< copy(other).
+  }
   virtual ~ZmBaseList() { clear(); }  ///< The only virtual slot.
 
   int length() const { return array_.length(); }                  ///< Number of elements.
@@ -34,6 +36,12 @@ class ZM_EXPORT ZmBaseList {
   /// Takes ownership. 0 when no memory could be had: the elements held so far are then lost and the
   /// list is empty; the caller still owns the object.
   unsigned char push(T* object) { return array_.push(object); }
+  /// The same; but where push() gives 0 the object is destroyed and std::bad_alloc thrown.
+  void _push(T* object) {
+    if (push(object)) return;
+    delete object;
+    throw std::bad_alloc();
+  }
   T* pop() { return static_cast<T*>(array_.pop()); }        ///< The last element, now the caller's.
   T* top() const { return static_cast<T*>(array_.top()); }  ///< The last element, lent.
   /// The element at i, now the caller's; later ones move up. Linear in their number.
@@ -49,9 +57,9 @@ class ZM_EXPORT ZmBaseList {
     if (this == &other) return;
     clear();
     for (int i = 0; i < other.length(); ++i) {
-      auto element = std::make_unique<T>();
+      ZmOwned<T> element(new T);
       element->copy(*other.get(i));
-      if (push(element.get())) element.release();
+      _push(element.release());
     }
   }
   /// Sorts in place by quicksort, not stably; only pointers move. Which of several equal elements
@@ -64,9 +72,6 @@ class ZM_EXPORT ZmBaseList {
         },
         -1, [](void**, int) {});
   }
-
- protected:
-  ZmBaseListArray& _array() { return array_; }  ///< For the library's own sorting.
 
  private:
   ZmBaseListArray array_;

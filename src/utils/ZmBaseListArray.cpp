@@ -12,6 +12,7 @@ std::size_t bytes(int slots) { return static_cast<std::size_t>(slots) * sizeof(v
 
 ZmBaseListArray::~ZmBaseListArray() { delete[] items_; }
 
+// Positions stay, and with them what lies before first_, though nothing in this library moves it.
 bool ZmBaseListArray::grow() {
   if (capacity_ > (INT_MAX - 1) / 2) return false;
   const int capacity = capacity_ * 2 + 1;

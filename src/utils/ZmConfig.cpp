@@ -1,7 +1,6 @@
 #include "ZmConfig.h"
 
 #include <iostream>
-#include <memory>
 #include <utility>
 
 #include "ZmConfigOptionText.h"
@@ -17,8 +16,8 @@ class LabelOrder : public ZmStringList {
  public:
   explicit LabelOrder(const ZmConfig& section) : section_(section) {}
   void encode() override {
-    store(kCount, section_._count());
-    for (int i = 0; i < section_._count(); ++i) store(kElement, section_._labelat(i));
+    store(kCount, section_.length());
+    for (int i = 0; i < section_.length(); ++i) store(kElement, section_.label(i));
   }
 
  private:
@@ -29,6 +28,8 @@ class LabelOrder : public ZmStringList {
 
 ZmConfig::ZmConfig(const ZmConfig& other) : ZmPack(other) { copy(other); }
 
+// A copy of the options keeps the order of their setting. It needs a list only where the other
+// section has one, or where the copy may hold entries that its lookups don't find.
 void ZmConfig::copy(const ZmConfig& other) {
   if (this == &other) return;
   address_ = other.address_;
@@ -36,22 +37,20 @@ void ZmConfig::copy(const ZmConfig& other) {
   options_ = other.options_;
   labels_.reset();
   if (!other.labels_ && !other.options_._table().anyremoved()) return;
-  labels_ = std::make_unique<ZmStringList>(other.optionlist());
+  labels_.reset(new ZmStringList(other.optionlist()));
   if (labels_->length() < 1) options_.copykeys(*labels_);
 }
 
+// From here on the label order is kept apart from the options.
 ZmStringList& ZmConfig::_list() {
-  if (!labels_) labels_ = std::make_unique<ZmStringList>(optionlist());
+  if (!labels_) labels_.reset(new ZmStringList(optionlist()));
   return *labels_;
 }
 
 void ZmConfig::labels(ZmStringList& list) const {
   if (labels_) return list.copy(*labels_);
   list.clear();
-  for (int i = 0; i < _count(); ++i) {
-    std::unique_ptr<ZmString> label(ZmString::_exact(_labelat(i)));
-    if (list.push(label.get())) static_cast<void>(label.release());
-  }
+  for (int i = 0; i < length(); ++i) list._push(ZmString::_exact(label(i)));
 }
 
 ZmStringList ZmConfig::optionlist() const {
@@ -71,7 +70,7 @@ ZmString* ZmConfig::_valueat(int i) const {
   return static_cast<ZmString*>(options_._table().entry(i).value);
 }
 
-const ZmString& ZmConfig::_optionat(int i) const {
+const ZmString& ZmConfig::value(int i) const {
   const ZmString* value = _valueat(i);
   return value ? *value : zm_no_text();
 }
@@ -84,6 +83,7 @@ void ZmConfig::option(const ZmString& label, const ZmString& value) {
   _store(zm_view(label), ZmBaseHashTable::hash(zm_view(label)), zm_view(value), value.secure());
 }
 
+// One search serves both: where the label is and where a new one goes.
 int ZmConfig::_store(std::string_view label, ZmBaseHashTable::Hash hash, std::string_view value,
                      unsigned char secure) {
   const ZmBaseHashTable& table = options_._table();
@@ -100,24 +100,26 @@ int ZmConfig::_store(std::string_view label, ZmBaseHashTable::Hash hash, std::st
       return -1;
     }
   }
-  std::unique_ptr<ZmString> made(ZmString::_exact(value.data(), length));
+  ZmOwned<ZmString> made(ZmString::_exact(value.data(), length));
   made->secure(secure);
-  std::unique_ptr<ZmString> key(ZmString::_exact(label.data(), static_cast<int>(label.size())));
+  ZmOwned<ZmString> key(ZmString::_exact(label.data(), static_cast<int>(label.size())));
   return _add(spot, hash, std::move(key), std::move(made));
 }
 
+// All memory but that of tables is taken before the option is stored: a section never lists a label
+// that it lacks, and what throws before leaves it as it was.
 int ZmConfig::_add(const ZmBaseHashTable::Spot& spot, ZmBaseHashTable::Hash hash,
-                   std::unique_ptr<ZmString> key, std::unique_ptr<ZmString> value) {
+                   ZmOwned<ZmString> key, ZmOwned<ZmString> value) {
   const std::string_view label = zm_view(*key);
   const bool hidden = spot.found >= 0 && spot.found != spot.place;
   if (hidden || label.find('\0') != label.npos) _list();
-  std::unique_ptr<ZmString> listed(spot.known || !labels_ ? nullptr : ZmString::_exact(*key));
+  ZmOwned<ZmString> listed(spot.known || !labels_ ? nullptr : ZmString::_exact(*key));
   if (!options_._table().fill(spot, value.get(), key.get(), hash))
     options_._set(value.get(), key.get(), hash);
-  static_cast<void>(value.release());
-  static_cast<void>(key.release());
-  if (listed && labels_->push(listed.get())) static_cast<void>(listed.release());
-  return spot.known ? -1 : _count() - 1;
+  value.release();
+  key.release();
+  if (listed) labels_->_push(listed.release());
+  return spot.known ? -1 : length() - 1;
 }
 
 const ZmString* ZmConfig::_find(std::string_view label) const {
@@ -129,19 +131,20 @@ unsigned char ZmConfig::exists(const ZmString& label) const {
 }
 
 unsigned char ZmConfig::remove(const ZmString& label) {
-  const std::unique_ptr<ZmString> value(options_.remove(label));
-  if (!value || !labels_) return value != nullptr;  // without a list the label may have gone, too
-  const std::unique_ptr<ZmString> listed(labels_->remove(labels_->find(label)));
-  return listed != nullptr;
+  const ZmOwned<ZmString> value(options_.remove(label));
+  if (!value || !labels_)
+    return value.get() != nullptr;  // without a list the label may have gone, too
+  const ZmOwned<ZmString> listed(labels_->remove(labels_->find(label)));
+  return listed.get() != nullptr;
 }
 
 void ZmConfig::inherit(const ZmConfig& other) {
-  for (int i = 0; i < other._count(); ++i) option(other._labelat(i), other._optionat(i));
+  for (int i = 0; i < other.length(); ++i) option(other.label(i), other.value(i));
 }
 
 unsigned char ZmConfig::matchsubset(const ZmConfig& other) const {
-  for (int i = 0; i < other._count(); ++i)
-    if (other._optionat(i) != option(other._labelat(i))) return 0;
+  for (int i = 0; i < other.length(); ++i)
+    if (other.value(i) != option(other.label(i))) return 0;
   return 1;
 }
 
@@ -149,14 +152,13 @@ ZmString ZmConfig::host() const { return zm_hostname(); }
 
 ZmString ZmConfig::convert() const {
   ZmString text;
-  for (int i = 0; i < _count(); ++i) zm_append_option(text, _labelat(i), _optionat(i));
+  for (int i = 0; i < length(); ++i) zm_append_option(text, label(i), value(i));
   return text;
 }
 
 void ZmConfig::display() const {
-  std::cout << "items: " << _count() << '\n';
-  for (int i = 0; i < _count(); ++i)
-    std::cout << i << ": " << _labelat(i) << '=' << _optionat(i) << '\n';
+  std::cout << "items: " << length() << '\n';
+  for (int i = 0; i < length(); ++i) std::cout << i << ": " << label(i) << '=' << value(i) << '\n';
 }
 
 void ZmConfig::encode() {
@@ -169,6 +171,7 @@ void ZmConfig::encode() {
 
 void ZmConfig::decode() {
   ZmStringList& list = _list();
+  // Lists and hashes add what a record holds: only an empty one is replaced by it.
   if (_offers(kLabels, list)) list.clear();
   if (_offers(kOptions, options_)) options_.clear();
   restore(kAddress, address_);

@@ -4,7 +4,6 @@
 /// @file
 /// ZmConfig, and functions for sorting.
 
-#include <memory>
 #include <string_view>
 
 #include "ZmAddress.h"
@@ -30,10 +29,11 @@ class ZM_EXPORT ZmConfig : public ZmPack {
   ZmConfig() = default;                           ///< Everything empty, not valid.
   ZmConfig(const ZmString& path) { load(path); }  ///< Then load(path).
   ZmConfig(const ZmConfig& other);                ///< Then copy(other).
+  /// copy(other).
   ZmConfig& operator=(const ZmConfig& other) {
     copy(other);
     return *this;
-  }  ///< copy(other).
+  }
   /// Copies address, name, options and label order. A label order that is empty is made from the
   /// keys of the options, in hash order. The parsed text and the valid flag are not copied.
   void copy(const ZmConfig& other);
@@ -100,23 +100,24 @@ class ZM_EXPORT ZmConfig : public ZmPack {
   /// @}
 
   /// @name By position
-  /// From 0 to _count() - 1, in label order; no other position may be asked for.
+  /// From 0 to length() - 1, in label order; no other position may be asked for.
   /// @{
 
   /// The number of labels.
-  int _count() const { return labels_ ? labels_->length() : options_._table().entries(); }
-  /// The label, lent.
-  const ZmString& _labelat(int i) const {
+  int length() const { return labels_ ? labels_->length() : options_._table().entries(); }
+  /// The label, lent until the next change.
+  const ZmString& label(int i) const {
     const ZmString* label = labels_ ? labels_->get(i) : options_._table().entry(i).key;
     return label ? *label : zm_no_text();
   }
-  const ZmString& _optionat(int i) const;        ///< Its value, lent as by option().
-  void _replace(int i, std::string_view value);  ///< Sets its value.
+  const ZmString& value(int i) const;  ///< Its value, lent as by option().
   /// @}
 
-  /// @name For texts that are no ZmString yet
+  /// @name For the library's own classes, whose texts are no ZmString yet
   /// @{
 
+  /// Sets the value of the label at i.
+  void _replace(int i, std::string_view value);
   /// The value, lent as by option(); null when the label is absent.
   const ZmString* _find(std::string_view label) const;
   /// option(label, value), with the hash of the label. The position of a new label, -1 for a known
@@ -138,8 +139,8 @@ class ZM_EXPORT ZmConfig : public ZmPack {
   ZmStringList& _list();
   ZmString* _valueat(int i) const;
   bool _ordered() const;
-  int _add(const ZmBaseHashTable::Spot& spot, ZmBaseHashTable::Hash hash,
-           std::unique_ptr<ZmString> key, std::unique_ptr<ZmString> value);
+  int _add(const ZmBaseHashTable::Spot& spot, ZmBaseHashTable::Hash hash, ZmOwned<ZmString> key,
+           ZmOwned<ZmString> value);
 
   unsigned char _parse();
   void _whitespace();
@@ -153,13 +154,13 @@ class ZM_EXPORT ZmConfig : public ZmPack {
   // The label order. Null while it is that in which the options hold their entries: each label has
   // one entry, and a lookup finds it. Labels with a zero byte, a label that is set anew before the
   // place of its entry, copies that lose entries, and records make it differ.
-  std::unique_ptr<ZmStringList> labels_;
+  ZmOwned<ZmStringList> labels_;
   ZmStringHash options_;
   struct Text {
     ZmString text;
     std::string_view rest;  // what the cursor has not passed
   };
-  std::unique_ptr<Text> text_;  // null unless one is being parsed
+  ZmOwned<Text> text_;  // null unless one is being parsed
   unsigned char valid_ = 0;
 };
 

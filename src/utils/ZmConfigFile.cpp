@@ -29,11 +29,9 @@ void ZmConfigFile::tokenize(const ZmString& text, ZmStringList& tokens) const {
   for (ZmConfigToken token; scanner.next(token);) zm_push(tokens, token.text);
 }
 
+// Copies, since the caller's list owns what is pushed.
 void ZmConfigFile::keys(ZmStringList& list) const {
-  ZmStringList names;
-  sections_.keys(names);
-  for (int i = 0; i < names.length(); ++i) list.push(new ZmString(*names.get(i)));
-  names.release();
+  sections_._table().each([&list](const auto& entry) { list._push(new ZmString(*entry.key)); });
 }
 
 void ZmConfigFile::display() const {
@@ -42,9 +40,8 @@ void ZmConfigFile::display() const {
   for (int i = 0; i < names.length(); ++i) {
     const ZmConfig& section = *config(*names.get(i));
     std::cout << '[' << *names.get(i) << "]\n";
-    const ZmStringList labels = section.optionlist();
-    for (int n = 0; n < labels.length(); ++n)
-      std::cout << *labels.get(n) << " = '" << section.option(*labels.get(n)) << "'\n";
+    for (int n = 0; n < section.length(); ++n)
+      std::cout << section.label(n) << " = '" << section.value(n) << "'\n";
   }
 }
 

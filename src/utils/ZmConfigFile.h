@@ -52,8 +52,8 @@ class ZM_EXPORT ZmConfigFile : public ZmBase {
   /// Null when there is none of this name. Renaming a section changes what it says of itself, not
   /// the name by which it is found here and by references.
   ZmConfig* config(const ZmString& name) const { return sections_.get(name); }
-  const ZmConfigHash& _sections() const { return sections_; }  ///< The sections, lent.
-  ZmConfigHash export_hash() const { return sections_; }       ///< A deep copy of the sections.
+  const ZmConfigHash& sections() const { return sections_; }  ///< The sections, lent.
+  ZmConfigHash export_hash() const { return sections_; }      ///< A deep copy of the sections.
   void release() { sections_.release(); }  ///< Forgets the sections without destroying them.
   void display() const;                    ///< Prints every section, values in single quotes.
 

@@ -8,10 +8,6 @@
 /// records rely on.
 class ZM_EXPORT ZmConfigHash : public ZmHash<ZmConfig> {
  public:
-  ZmConfigHash() = default;                                      ///< Empty.
-  ZmConfigHash(const ZmConfigHash& other) = default;             ///< A deep copy.
-  ZmConfigHash& operator=(const ZmConfigHash& other) = default;  ///< A deep copy.
-
   int type() const override { return 51; }                     ///< The type code.
   ZmString typeXML() const override { return "config_list"; }  ///< The XML element name.
 };

@@ -78,9 +78,9 @@ void ZmConfigReader::parents(std::string_view header) {
 // Values are copied as they stand: what is set in the parent later does not reach its children.
 void ZmConfigReader::inherit(const ZmConfig& parent) {
   std::vector<Option> options;
-  options.reserve(static_cast<std::size_t>(parent._count()));
-  for (int i = 0; i < parent._count(); ++i) {
-    options.emplace_back(zm_view(parent._labelat(i)), zm_view(parent._optionat(i)));
+  options.reserve(static_cast<std::size_t>(parent.length()));
+  for (int i = 0; i < parent.length(); ++i) {
+    options.emplace_back(zm_view(parent.label(i)), zm_view(parent.value(i)));
     options.back().local = false;  // they name the parent since it was given them
     options.back().parent = &parent;
     options.back().number = static_cast<std::size_t>(i);
@@ -205,7 +205,7 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
 
 void ZmConfigReader::told(const Target& target, int label, const Option& option) {
   const ZmConfig& config = *target.config;
-  const ZmString& value = label < 0 ? *config._find(option.label) : config._optionat(label);
+  const ZmString& value = label < 0 ? *config._find(option.label) : config.value(label);
   observer_->stored(config, value, option.parent, option.number);
 }
 
@@ -230,8 +230,8 @@ std::string_view ZmConfigReader::known(const ZmConfig& section) const {
   const std::string_view own = zm_view(section.name());
   if (sections_._get(own, ZmBaseHashTable::hash(own)) == &section) return own;
   std::string_view name;
-  sections_._table().each([&](const ZmString* key, const void* held) {
-    if (held == &section) name = zm_view(*key);
+  sections_._table().each([&](const ZmBaseHashTable::Entry& entry) {
+    if (entry.value == &section) name = zm_view(*entry.key);
   });
   return name;
 }
@@ -247,7 +247,7 @@ void ZmConfigReader::expand() {
     auto begin = end;
     while (begin != references_.begin() && std::prev(begin)->created == i) --begin;
     if (!mixed_.empty() && mixed_.contains(&config)) {
-      for (int label = 0; label < config._count(); ++label) expand(expander, config, label);
+      for (int label = 0; label < config.length(); ++label) expand(expander, config, label);
     } else {
       for (auto at = begin; at != end; ++at) expand(expander, config, at->label);
     }
@@ -256,7 +256,7 @@ void ZmConfigReader::expand() {
 }
 
 void ZmConfigReader::expand(ZmConfigExpander& expander, ZmConfig& config, int label) {
-  const ZmString& value = config._optionat(label);
+  const ZmString& value = config.value(label);
   if (!zm_has_reference(zm_view(value))) return;
   if (observer_) [[unlikely]]
     observer_->expand(config, value);

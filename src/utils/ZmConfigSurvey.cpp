@@ -168,7 +168,7 @@ void ZmConfigSurvey::stop(const ZmConfigStop& stop) {
 void ZmConfigSurvey::stored(const ZmConfig&, const ZmString& value, const ZmConfig* parent,
                             std::size_t number) {
   Source source{narrow(number), false, parent};
-  if (parent) source.written = sources_.at(&parent->_optionat(static_cast<int>(number))).written;
+  if (parent) source.written = sources_.at(&parent->value(static_cast<int>(number))).written;
   const auto [at, made] = sources_.try_emplace(&value, source);
   if (!made) --written_[std::exchange(at->second, source).written].stored;
   ++written_[source.written].stored;

@@ -102,7 +102,7 @@ void ZmConfig::load(const ZmString& path) {
 }
 
 unsigned char ZmConfig::parse(const ZmString& text) {
-  text_ = std::make_unique<Text>(Text{text, {}});
+  text_.reset(new Text{text, {}});
   valid_ = 1;
   return _parse();
 }
@@ -195,9 +195,9 @@ ZmString ZmConfig::usetemplate(const ZmString& text) const {
     }
   }
   ZmString unused;
-  for (int i = 0; i < _count(); ++i) {
-    if (!used.contains(std::string(zm_view(_labelat(i)))))
-      zm_append_option(unused, _labelat(i), _optionat(i));
+  for (int i = 0; i < length(); ++i) {
+    if (!used.contains(std::string(zm_view(label(i)))))
+      zm_append_option(unused, label(i), value(i));
   }
   if (unused.length() > 0) {
     zm_append(result, kNotIncluded);

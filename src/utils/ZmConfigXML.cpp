@@ -1,12 +1,10 @@
 // The XML form of sections.
 #include <algorithm>
-#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "ZmConfig.h"
-#include "ZmPackObj.h"
 #include "ZmText.h"
 
 namespace {
@@ -23,18 +21,19 @@ class ZmConfig::Items : public ZmPack {
   void encode() override {}
   void decode() override {}
   void encodeXML() override {
-    for (int i = 0; i < section_._count(); ++i)
-      _storeItem(&section_._labelat(i), section_._optionat(i));
+    for (int i = 0; i < section_.length(); ++i) _storeItem(&section_.label(i), section_.value(i));
   }
   // Replaces labels and options, unless there is nothing to replace them by.
   void decodeXML() override {
     bool cleared = false;
     for (int at = 0; ZmPackObj* item = _item(at);) {
-      if (!item->key() || !item->text()) continue;
+      ZmOwned<ZmString> key = _takeKey(*item);
+      ZmOwned<ZmString> value = _takeItem(*item, static_cast<ZmString*>(nullptr));
+      if (!key || !value) continue;
       if (!std::exchange(cleared, true)) clear();
-      const auto hash = ZmBaseHashTable::hash(zm_view(*item->key()));
-      const auto spot = section_.options_._table().locate(zm_view(*item->key()), hash);
-      section_._add(spot, hash, item->takekey(), item->taketext());
+      const auto hash = ZmBaseHashTable::hash(zm_view(*key));
+      const auto spot = section_.options_._table().locate(zm_view(*key), hash);
+      section_._add(spot, hash, std::move(key), std::move(value));
     }
   }
   void clear() {
@@ -52,10 +51,9 @@ bool ZmConfig::_ordered() const {
   if (!labels_) return true;
   std::vector<const void*> found;
   std::vector<const void*> listed;
-  options_._table().each_found(
-      [&found](const ZmString*, const void* value) { found.push_back(value); });
-  for (int i = 0; i < _count(); ++i) {
-    if (zm_view(_labelat(i)).find('\0') != std::string_view::npos) return false;
+  options_._table().each_found([&found](const auto& entry) { found.push_back(entry.value); });
+  for (int i = 0; i < length(); ++i) {
+    if (zm_view(label(i)).find('\0') != std::string_view::npos) return false;
     listed.push_back(_valueat(i));
   }
   std::sort(found.begin(), found.end());
@@ -82,6 +80,5 @@ void ZmConfig::decodeXML() {
   restoreXML(kOptions, options);
   ZmStringList labels;
   restoreXML(kLabels, labels);
-  if (labels.length() > 0 || _insideXML(kLabels) == 0)
-    labels_ = std::make_unique<ZmStringList>(labels);
+  if (labels.length() > 0 || _insideXML(kLabels) == 0) labels_.reset(new ZmStringList(labels));
 }

@@ -4,12 +4,10 @@
 
 #include <ctime>
 #include <iostream>
-#include <utility>
 
 #include "ZmFile.h"
 #include "ZmFileReader.h"
 #include "ZmHost.h"
-#include "ZmTextList.h"
 #include "ZmTextNumber.h"
 
 namespace {
@@ -67,7 +65,7 @@ ZmString prefix(const std::tm& local) {
 
 }  // namespace
 
-void ZmDebug::filename(const ZmString& name) { filename_ = std::make_unique<ZmString>(name); }
+void ZmDebug::filename(const ZmString& name) { filename_ = name; }
 
 void ZmDebug::unlock() {
   process().file.reset();
@@ -77,8 +75,8 @@ void ZmDebug::unlock() {
 // Once a file is open it serves every object: which one wrote first decides until unlock().
 bool ZmDebug::_open() {
   if (process().open) return true;
-  if ((mode_ != 0 && mode_ != 1) || !filename_ || filename_->length() == 0) return false;
-  ZmString name(*filename_);
+  if ((mode_ != 0 && mode_ != 1) || filename_.length() == 0) return false;
+  ZmString name(filename_);
   if (mode_ == 1) {
     std::tm local{};
     if (!localnow(local)) return false;
@@ -125,7 +123,7 @@ void zm_debug_filename(const ZmString& name, int mode) {
 
 void zm_debug_logfiles(const ZmString& base, ZmStringList& list) {
   for (int week = 0; week < kWeeks; ++week) {
-    auto name = std::make_unique<ZmString>(base + "." + week);
-    if (ZmFile::exists(*name)) zm_push(list, std::move(name));
+    const ZmString name = base + "." + week;
+    if (ZmFile::exists(name)) list._push(new ZmString(name));
   }
 }

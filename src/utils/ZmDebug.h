@@ -4,7 +4,6 @@
 /// @file
 /// ZmDebug, and the log of the process.
 
-#include <memory>
 #include <string_view>
 
 #include "ZmString.h"
@@ -48,9 +47,8 @@ class ZM_EXPORT ZmDebug {
   ZmDebug& operator<<(int value);              ///< A number.
   ZmDebug& operator<<(unsigned int value);     ///< A number.
   ZmDebug& operator<<(long long value);        ///< A number.
-  ZmDebug& operator<<(long value) {
-    return *this << static_cast<long long>(value);
-  }                                  ///< A number; what std::int64_t may be.
+  /// A number; what std::int64_t may be.
+  ZmDebug& operator<<(long value) { return *this << static_cast<long long>(value); }
   ZmDebug& operator<<(float value);  ///< A number.
   ZmDebug& operator<<(char value);   ///< A character.
 
@@ -60,7 +58,7 @@ class ZM_EXPORT ZmDebug {
   bool _open();  // false: standard output
   ZmDebug& _write(std::string_view text);
 
-  std::unique_ptr<ZmString> filename_;
+  ZmString filename_;
   int mode_ = 0;
 };
 

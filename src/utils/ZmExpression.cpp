@@ -9,8 +9,6 @@
 #include "ZmExpressionOperator.h"
 #include "ZmExpressionStack.h"
 #include "ZmText.h"
-#include "ZmTextList.h"
-#include "ZmTextSplit.h"
 
 namespace {
 
@@ -117,6 +115,7 @@ void ZmExpression::_hold(ZmReference* reference) {
   if (reference) reference->increment();
 }
 
+// Found once here and not at each evaluation.
 void ZmExpression::op(const ZmString& op) {
   op_ = op;
   cache_.op = zm_operator(zm_view(op_));
@@ -151,6 +150,7 @@ void ZmExpression::reference(ZmReference* reference) {
 
 bool ZmExpression::_unary() const { return cache_.op && cache_.op->unary(); }
 
+// In the order in which evaluation looks for a value. A name without any source is its own value.
 bool ZmExpression::_known() const {
   if (value_.length() > 0) return true;
   if (reference_) return reference_->valid(name_);
@@ -176,7 +176,7 @@ void ZmExpression::variables(ZmStringList& out) const {
   for (pending.push(this); !pending.empty();) {
     const ZmExpression* node = pending.pop();
     if (node->reference_ && node->name_.length() > 0 && node->reference_->variable(node->name_)) {
-      zm_push(out, std::make_unique<ZmString>(node->name_));
+      out._push(new ZmString(node->name_));
     } else if (node->b_) {
       if (node->a_ && !node->_unary()) pending.push(node->a_);
       pending.push(node->b_);
@@ -199,66 +199,4 @@ void ZmExpression::display(int indent) const {
     if (node->b_) pending.push({node->b_, at + 2});
     if (node->a_) pending.push({node->a_, at + 2});
   }
-}
-
-void ZmExpression::tokenize(const ZmString& source, ZmStringList& tokens) {
-  zm_tokenize(zm_view(source), ZmSyntax::kExpression, tokens);
-}
-
-void ZmExpression::callbacktokenize(const ZmString& source, ZmStringList& tokens) {
-  zm_tokenize(zm_view(source), ZmSyntax::kCallback, tokens);
-}
-
-void ZmExpression::valuetokenize(const ZmString& source, ZmStringList& tokens) {
-  zm_tokenize(zm_view(source), ZmSyntax::kValue, tokens);
-}
-
-void ZmExpression::rangetokenize(const ZmString& source, ZmStringList& tokens) {
-  zm_tokenize_range(zm_view(source), tokens);
-}
-
-void ZmExpression::commandtokenize(const ZmString& source, ZmStringList& tokens) {
-  zm_tokenize_command(zm_view(source), tokens);
-}
-
-void ZmExpression::split(const ZmString& source, ZmStringList& elements) {
-  zm_split(zm_view(source), elements);
-}
-
-void ZmExpression::split(const ZmString& source, ZmStringHash& elements) {
-  ZmStringList list;
-  split(source, list);
-  for (int i = 0; i < list.length(); ++i) elements.set(new ZmString(*list.get(i)), *list.get(i));
-}
-
-void ZmExpression::splitcomma(const ZmString& source, ZmStringList& elements) {
-  zm_split_comma(zm_view(source), elements);
-}
-
-void ZmExpression::splitslash(const ZmString& source, ZmStringList& elements) {
-  splitchar(source, '/', elements);
-}
-
-void ZmExpression::splittab(const ZmString& source, ZmStringList& elements) {
-  splitchar(source, '\t', elements);
-}
-
-void ZmExpression::splitchar(const ZmString& source, char separator, ZmStringList& elements) {
-  zm_split_char(zm_view(source), separator, elements);
-}
-
-void ZmExpression::splitspace(const ZmString& source, ZmStringList& elements) {
-  zm_split_space(zm_view(source), elements);
-}
-
-void ZmExpression::splitperiod(const ZmString& source, ZmString& left, ZmString& right) {
-  zm_split_period(zm_view(source), left, right);
-}
-
-unsigned char ZmExpression::splitequal(const ZmString& source, ZmString& left, ZmString& right) {
-  return zm_split_equal(zm_view(source), left, right);
-}
-
-unsigned char ZmExpression::splitbecomes(const ZmString& source, ZmString& left, ZmString& right) {
-  return zm_split_becomes(zm_view(source), left, right);
 }

@@ -74,51 +74,6 @@ const ZmExpressionOperator* zm_operator(std::string_view name) {
   return &kUnknown;
 }
 
-float zm_unary(ZmOperation operation, float a) {
-  if (operation == kNot) return a == 0.0F ? 1.0F : 0.0F;
-  return operation == kNegate || operation == kMinus ? -a : 0.0F;
-}
-
-// Division by zero divides by 1, as for integers.
-float zm_binary(ZmOperation operation, float a, float b) {
-  const auto truth = [](bool value) { return value ? 1.0F : 0.0F; };
-  switch (operation) {
-    case kDivide:
-      return b == 0.0F ? a : a / b;
-    case kMultiply:
-      return a * b;
-    case kAdd:
-      return a + b;
-    case kMinus:
-    case kSubtract:
-      return a - b;
-    case kAnd:
-      return truth(a != 0.0F && b != 0.0F);
-    case kOr:
-      return truth(a != 0.0F || b != 0.0F);
-    case kUnequal:
-      return truth(a != b);
-    case kLess:
-      return truth(a < b);
-    case kGreater:
-      return truth(a > b);
-    case kLessEqual:
-      return truth(a <= b);
-    case kGreaterEqual:
-      return truth(a >= b);
-    case kEqual:
-    case kIn:
-    case kHas:
-      return truth(a == b);
-    case kMaximum:
-      return a > b ? a : b;
-    case kMinimum:
-      return a > b ? b : a;
-    default:
-      return 0.0F;
-  }
-}
-
 int zm_integer(float value) {
   if (value != value) return 0;
   if (value >= 2147483648.0F) return INT_MAX;

@@ -1,15 +1,10 @@
 #ifndef ZM_HASH_H
 #define ZM_HASH_H
 
-#include <algorithm>
-#include <memory>
 #include <utility>
-#include <vector>
 
 #include "ZmBaseHash.h"
 #include "ZmPack.h"
-#include "ZmPackObj.h"
-#include "ZmText.h"
 
 /// An owning hash that can be packed.
 ///
@@ -21,25 +16,13 @@
 template <class T>
 class ZM_EXPORT ZmHash : public ZmBaseHash<T>, public ZmPack {
  public:
-  ZmHash() = default;                                              ///< Empty.
-  ZmHash(const ZmHash& other) : ZmBaseHash<T>(other), ZmPack() {}  ///< A deep copy.
-  ZmHash& operator=(const ZmHash& other) {
-    ZmBaseHash<T>::operator=(other);
-    ZmPack::operator=(other);
-    return *this;
-  }  ///< A deep copy.
-
   /// Stores all entries; a null value as a new T.
   void encode() override {
     store(kCount, this->_table().count());
-    this->_table().each([this](ZmString* key, void* value) {
-      store(kKey, *key);
-      if (value) {
-        store(kValue, *static_cast<T*>(value));
-      } else {
-        T none;
-        store(kValue, none);
-      }
+    T none;
+    this->_table().each([&](const ZmBaseHashTable::Entry& entry) {
+      store(kKey, *entry.key);
+      store(kValue, entry.value ? *static_cast<T*>(entry.value) : none);
     });
   }
   /// Reads the count, and with it the keys and values of as many entries as follow. A field that is
@@ -49,39 +32,26 @@ class ZM_EXPORT ZmHash : public ZmBaseHash<T>, public ZmPack {
     restore(kCount, count);
     if (!_consumed()) return;
     for (int i = 0; i < count && _next(); ++i) {
-      auto key = std::make_unique<ZmString>();
-      auto value = std::make_unique<T>();
+      ZmOwned<ZmString> key(new ZmString);
+      ZmOwned<T> value(new T);
       if (!_element(kKey, *key) || !_next() || !_element(kValue, *value)) break;
-      this->set(value.get(), key.get());
-      static_cast<void>(value.release());
-      static_cast<void>(key.release());
+      this->_own(std::move(value), std::move(key));
     }
   }
   /// Stores the entries that get() finds, in the order of their keys, whatever their slots; a null
   /// value as a new T.
   void encodeXML() override {
-    std::vector<std::pair<ZmString*, T*>> entries;
-    this->_table().each_found([&entries](ZmString* key, void* value) {
-      entries.emplace_back(key, static_cast<T*>(value));
+    T none;
+    this->_table().each_found([&](const ZmBaseHashTable::Entry& entry) {
+      _storeItem(entry.key, entry.value ? *static_cast<T*>(entry.value) : none);
     });
-    const auto before = [](const auto& a, const auto& b) {
-      return zm_view(*a.first) < zm_view(*b.first);
-    };
-    std::stable_sort(entries.begin(), entries.end(), before);
-    for (const auto& [key, value] : entries) {
-      if (value) {
-        _storeItem(key, *value);
-      } else {
-        T none;
-        _storeItem(key, none);
-      }
-    }
   }
   /// Sets every entry.
   void decodeXML() override {
     for (int at = 0; ZmPackObj* item = _item(at);) {
-      std::unique_ptr<T> value = _takeItem(*item, static_cast<T*>(nullptr));
-      if (value && item->key()) this->set(value.release(), item->takekey().release());
+      ZmOwned<ZmString> key = _takeKey(*item);
+      ZmOwned<T> value = _takeItem(*item, static_cast<T*>(nullptr));
+      if (key && value) this->_own(std::move(value), std::move(key));
     }
   }
 

@@ -1,8 +1,6 @@
 #ifndef ZM_LIST_H
 #define ZM_LIST_H
 
-#include <memory>
-
 #include "ZmBaseList.h"
 #include "ZmPack.h"
 
@@ -14,18 +12,11 @@
 template <class T>
 class ZM_EXPORT ZmList : public ZmBaseList<T>, public ZmPack {
  public:
-  ZmList() = default;                                              ///< Empty.
-  ZmList(const ZmList& other) : ZmBaseList<T>(other), ZmPack() {}  ///< A deep copy.
-  ZmList& operator=(const ZmList& other) {
-    ZmBaseList<T>::operator=(other);
-    ZmPack::operator=(other);
-    return *this;
-  }  ///< A deep copy.
-
+  /// Stores all elements.
   void encode() override {
     store(kCount, this->length());
     for (int i = 0; i < this->length(); ++i) store(kElement, *this->get(i));
-  }  ///< Stores all elements.
+  }
   /// Reads the count, and with it as many elements as follow. A field that is none stands for an
   /// empty one; one that can't be read ends the elements.
   void decode() override {
@@ -33,20 +24,20 @@ class ZM_EXPORT ZmList : public ZmBaseList<T>, public ZmPack {
     restore(kCount, count);
     if (!_consumed()) return;
     for (int i = 0; i < count && _next(); ++i) {
-      auto element = std::make_unique<T>();
+      ZmOwned<T> element(new T);
       if (!_element(kElement, *element)) break;
-      if (this->push(element.get())) static_cast<void>(element.release());
+      this->_push(element.release());
     }
   }
+  /// Stores all elements.
   void encodeXML() override {
     for (int i = 0; i < this->length(); ++i) _storeItem(nullptr, *this->get(i));
-  }  ///< Stores all elements.
+  }
   /// Appends every element.
   void decodeXML() override {
-    for (int at = 0; ZmPackObj* item = _item(at);) {
-      std::unique_ptr<T> element = _takeItem(*item, static_cast<T*>(nullptr));
-      if (element && this->push(element.get())) element.release();
-    }
+    for (int at = 0; ZmPackObj* item = _item(at);)
+      if (ZmOwned<T> element = _takeItem(*item, static_cast<T*>(nullptr)))
+        this->_push(element.release());
   }
 
  protected:

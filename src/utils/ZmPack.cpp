@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <cstring>
 #include <iostream>
-#include <memory>
 #include <new>
 #include <utility>
 
@@ -29,8 +28,18 @@ ZmPack& ZmPack::operator=(const ZmPack& other) {
 }
 
 ZmPack::State& ZmPack::_state() {
-  if (!state_) state_ = std::make_unique<State>();
+  if (!state_) state_.reset(new State);
   return *state_;
+}
+
+void ZmPack::_lend(ZmPack& value) {
+  value.state_ = std::move(state_);
+  ++value.state_->depth;
+}
+
+void ZmPack::_regain(ZmPack& value) {
+  state_ = std::move(value.state_);
+  --_state().depth;  // the object may have dropped it
 }
 
 // --- writing ---
@@ -38,18 +47,20 @@ ZmPack::State& ZmPack::_state() {
 unsigned char* ZmPack::_room(long long n) {
   const long long need = _state().used + n;
   if (need > state_->capacity) _grow(need);
-  unsigned char* at = state_->buffer.get() + state_->used;
+  unsigned char* at = state_->buffer + state_->used;
   state_->used = static_cast<int>(need);
   return at;
 }
 
+// Records have signed 32-bit lengths, so a longer one could not be read.
 void ZmPack::_grow(long long need) {
   if (need > INT_MAX) throw std::bad_alloc();
   State& to = *state_;
   const int capacity = need > (INT_MAX - 16) / 4 ? INT_MAX : static_cast<int>(need * 4 + 16);
-  std::unique_ptr<unsigned char[]> buffer(new unsigned char[static_cast<std::size_t>(capacity)]);
-  if (to.used > 0) std::memcpy(buffer.get(), to.buffer.get(), static_cast<std::size_t>(to.used));
-  to.buffer = std::move(buffer);
+  auto* const buffer = new unsigned char[static_cast<std::size_t>(capacity)];
+  if (to.used > 0) std::memcpy(buffer, to.buffer, static_cast<std::size_t>(to.used));
+  delete[] to.buffer;
+  to.buffer = buffer;
   to.capacity = capacity;
 }
 
@@ -93,10 +104,13 @@ void ZmPack::store(int tag, const char* value) {
 
 void ZmPack::store(int tag, ZmPack& value) {
   if (&value == this) return;
+  // The length is not known yet; its place is filled in when the fields are there.
   zm_put_big_endian(_field(tag, kNested, 8), value.type());
   const int from = state_->used;
-  _lend(value, [&value] { value.encode(); });
-  zm_put_big_endian(state_->buffer.get() + from - 4, state_->used - from);
+  _lend(value);
+  value.encode();
+  _regain(value);
+  zm_put_big_endian(state_->buffer + from - 4, state_->used - from);
 }
 
 void ZmPack::_debug_print() const {
@@ -133,9 +147,9 @@ int ZmPack::archive(const ZmString& path) {
 int ZmPack::unpack(const char* data, int length) {
   if (!data || length < 4) return 1;
   // The record may stand in this object's own buffer, which therefore lives until it is read.
-  const std::unique_ptr<State> own = std::move(state_);
+  const ZmOwned<State> own = std::move(state_);
   const auto* bytes = reinterpret_cast<const unsigned char*>(data);
-  if (zm_get_big_endian<int>(bytes) != kVersion) return 3;
+  if (zm_get_big_endian<int>(bytes) != kVersion) return 3;  // a lone one too
   if (length == 4) return 2;
   _state().at = {bytes + 4, length - 4};
   _fields();
@@ -165,6 +179,7 @@ bool ZmPack::_next() {
   return true;
 }
 
+// A payload that is cut short takes the rest with it: nothing behind it can be told apart.
 const unsigned char* ZmPack::_bytes(int n) {
   Place& at = state_->at;
   const unsigned char* bytes = n >= 0 && n <= at.left ? at.cursor : nullptr;
@@ -209,6 +224,7 @@ void ZmPack::restore(int tag, ZmString& value) {
 void ZmPack::restore(int tag, ZmPack& value) {
   int type = 0;
   if (&value == this || !_take(tag, kNested, type)) return;
+  // A type that nobody expects here ends the record: its length can't be trusted either.
   const bool fits = type == value.type() && state_->depth < kDeepest;
   const unsigned char* size = fits ? _bytes(4) : nullptr;
   const int length = size ? zm_get_big_endian<int>(size) : -1;
@@ -216,10 +232,13 @@ void ZmPack::restore(int tag, ZmPack& value) {
   state_->at.consumed = fields != nullptr;
   if (!fields) return;
   const Place behind = std::exchange(state_->at, {fields, length});
-  _lend(value, [&value] { value._fields(); });
+  _lend(value);
+  value._fields();
+  _regain(value);
   state_->at = behind;
 }
 
+// Looks ahead without taking anything: a container is emptied for a record only if that is sound.
 bool ZmPack::_offers(int tag, const ZmPack& value) const {
   if (_consumed() || _tag() != tag || _code() != kNested) return false;
   const Place& at = state_->at;

@@ -1,10 +1,10 @@
 #ifndef ZM_PACK_H
 #define ZM_PACK_H
 
-#include <memory>
 #include <utility>
 
 #include "ZmBase.h"
+#include "ZmOwned.h"
 #include "ZmString.h"
 
 class ZmPackObj;
@@ -77,7 +77,7 @@ class ZM_EXPORT ZmPack : public ZmBase {
   void pack();  ///< Makes the object's record in the buffer.
   /// The record made by pack(), packSize() bytes, lent until the next change; null when empty.
   const char* packContents() const {
-    return state_ ? reinterpret_cast<const char*>(state_->buffer.get()) : nullptr;
+    return state_ ? reinterpret_cast<const char*>(state_->buffer) : nullptr;
   }
   int packSize() const { return state_ ? state_->used : 0; }  ///< Bytes of the record.
   /// Reads a record of `length` bytes, which may be this object's own: 0 done, 1 shorter than a
@@ -104,9 +104,8 @@ class ZM_EXPORT ZmPack : public ZmBase {
   /// document type (so no entity is ever declared or fetched), or elements more than 256 levels
   /// deep. Only 0 changes the object. Any encoding that Expat knows is read.
   int unpackXML(const char* text, int length);
-  int unpackXML(const ZmString& text) {
-    return unpackXML(text.value(), text.length());
-  }  ///< The same for the whole text.
+  /// The same for the whole text.
+  int unpackXML(const ZmString& text) { return unpackXML(text.value(), text.length()); }
   /// @}
 
   /// @name Fields, for encode()
@@ -176,14 +175,15 @@ class ZM_EXPORT ZmPack : public ZmBase {
   /// it. Null: no more. Lent; its key and text may be taken.
   ZmPackObj* _item(int& at) const;
   /// The item as a new text, which is taken from it; null when it has no readable one.
-  static std::unique_ptr<ZmString> _takeItem(ZmPackObj& item, const ZmString*);
+  static ZmOwned<ZmString> _takeItem(ZmPackObj& item, const ZmString*);
   /// The item as a new pack.
   template <class T>
-  std::unique_ptr<T> _takeItem(ZmPackObj& item, const T*) {
-    auto value = std::make_unique<T>();
-    _lend(*value, [&] { value->_decodeXML(item); });
+  ZmOwned<T> _takeItem(ZmPackObj& item, const T*) {
+    ZmOwned<T> value(new T);
+    _restoreItem(item, *value);
     return value;
   }
+  static ZmOwned<ZmString> _takeKey(ZmPackObj& item);  ///< The item's key; null when it has none.
   /// @}
 
   /// @name Stepping through a record, for containers whose decode() reads several fields
@@ -218,10 +218,15 @@ class ZM_EXPORT ZmPack : public ZmBase {
   };
   // What packing and unpacking need.
   struct State {
-    std::unique_ptr<unsigned char[]> buffer;
-    int used = 0;  // bytes in the buffer
-    int capacity = 0;
-    int depth = 0;  // levels around what is written or read
+    State() = default;
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+    ~State() { delete[] buffer; }
+
+    unsigned char* buffer = nullptr;
+    int used = 0;      // bytes in the buffer,
+    int capacity = 0;  // which has room for so many
+    int depth = 0;     // levels around what is written or read
     Place at;
   };
 
@@ -238,15 +243,10 @@ class ZM_EXPORT ZmPack : public ZmBase {
   const unsigned char* _bytes(int n);  // consumes n bytes of payload, or the rest and null
   void _fields();                      // decode() for each field, then yank
   void _decodeXML(ZmPackObj& element);
-  // The nested object works with this one's state, lent to it meanwhile.
-  template <class Work>
-  void _lend(ZmPack& value, Work work) {
-    value.state_ = std::move(state_);
-    ++value.state_->depth;
-    work();
-    state_ = std::move(value.state_);
-    --_state().depth;
-  }
+  void _restoreItem(ZmPackObj& item, ZmPack& value);
+  // A nested object works with this one's state, between the two.
+  void _lend(ZmPack& value);
+  void _regain(ZmPack& value);
 
   struct Writer;  // of XML
   ZmPackObj* _xml() const { return state_ ? state_->at.element : nullptr; }
@@ -256,7 +256,7 @@ class ZM_EXPORT ZmPack : public ZmBase {
   template <class T>
   void _takeXML(const ZmString& name, T& value) const;
 
-  std::unique_ptr<State> state_;  // null but while something is packed or unpacked
+  ZmOwned<State> state_;  // null but while something is packed or unpacked
 };
 
 #endif

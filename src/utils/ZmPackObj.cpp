@@ -61,9 +61,11 @@ void ZmPackObj::copy(const ZmPackObj& other) {
   std::swap(inside_, made.inside_);
 }
 
+// No list is made for the many elements that hold a text.
 int ZmPackObj::length() const { return inside_ ? inside_->length() : 0; }
 ZmPackObj* ZmPackObj::get(int i) const { return inside_ ? inside_->get(i) : nullptr; }
 
+// From the end, here and for the index: of several elements of one name the last counts.
 ZmPackObj* ZmPackObj::find(const ZmString& name) const {
   if (length() > kFew && ++searches_ > kFew) return _indexed(name);
   for (int i = length() - 1; i >= 0; --i)
@@ -88,7 +90,7 @@ std::unique_ptr<ZmString> ZmPackObj::taketext() { return std::move(text_); }
 
 void ZmPackObj::push(ZmPackObj* element) {
   if (!element) return;
-  _forget();
+  _forget();  // the index lacks the new element
   if (!inside_) inside_ = new ZmPackObjList;
   if (!inside_->push(element)) throw std::bad_alloc();
   text_.reset();

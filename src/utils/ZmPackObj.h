@@ -19,10 +19,11 @@ class ZM_EXPORT ZmPackObj : public ZmBase {
  public:
   ZmPackObj() = default;                                         ///< Without name, key and text.
   ZmPackObj(const ZmPackObj& other) : ZmBase() { copy(other); }  ///< A deep copy.
+  /// copy(other).
   ZmPackObj& operator=(const ZmPackObj& other) {
     copy(other);
     return *this;
-  }                                         ///< copy(other).
+  }
   ~ZmPackObj() override;                    ///< Slot 0.
   virtual int type() const { return 156; }  ///< Slot 1. The type code.
   void copy(const ZmPackObj& other);        ///< A deep copy.

@@ -1,4 +1,5 @@
 // The XML form of packs: writing, and reading from the parsed tree.
+#include <algorithm>
 #include <bit>
 #include <cerrno>
 #include <charconv>
@@ -28,25 +29,13 @@ constexpr std::string_view kItem = "item";
 // spaces of tabs and line ends.
 constexpr ZmCharSet kMarkup("&<>\r\x7f"), kQuoted("&<>\r\x7f\"\t\n");
 
-std::string_view reference(char c) {
-  switch (c) {
-    case '&':
-      return "&amp;";
-    case '<':
-      return "&lt;";
-    case '>':
-      return "&gt;";
-    case '"':
-      return "&quot;";
-    case '\t':
-      return "&#9;";
-    case '\n':
-      return "&#10;";
-    case '\r':
-      return "&#13;";
-    default:
-      return "&#127;";
-  }
+std::string_view entity(char c) {
+  constexpr struct {
+    char c;
+    std::string_view text;
+  } kEntities[] = {{'&', "&amp;"}, {'<', "&lt;"},   {'>', "&gt;"},   {'"', "&quot;"},
+                   {'\t', "&#9;"}, {'\n', "&#10;"}, {'\r', "&#13;"}, {'\x7f', "&#127;"}};
+  return std::ranges::find(kEntities, c, [](const auto& entity) { return entity.c; })->text;
 }
 
 // A NaN carries bits of its own. Those of any but the usual one stand behind it: "nan(12ab)".
@@ -102,7 +91,7 @@ struct ZmPack::Writer {
   void escaped(std::string_view text, const ZmCharSet& special) {
     for (ZmTextCursor in(text); !in.eof();) {
       put(in.until(special));
-      if (!in.eof()) put(reference(in.take()[0]));
+      if (!in.eof()) put(entity(in.take()[0]));
     }
   }
   void attribute(std::string_view label, std::string_view value) {
@@ -156,9 +145,11 @@ struct ZmPack::Writer {
       value.encodeXML();
       --pack.state_->depth;
     } else {
-      pack._lend(value, [&value] { value.encodeXML(); });
+      pack._lend(value);
+      value.encodeXML();
+      pack._regain(value);
     }
-    if (pack.state_->used == from) {
+    if (pack.state_->used == from) {  // empty: what closed the start tag goes again
       pack.state_->used -= 2;
       return put("/>\n");
     }
@@ -248,14 +239,21 @@ void ZmPack::restoreXML(const ZmString& name, char& value) {
 
 void ZmPack::restoreXML(const ZmString& name, ZmString& value) {
   const ZmString* text = _text(name);
-  if (text) value.copy(text->value(), text->length());
+  if (text) value.copy(text->value(), text->length());  // not its flag: the value may be secure
 }
 
 void ZmPack::restoreXML(const ZmString& name, ZmPack& value) {
   ZmPackObj* element = _xml() ? _xml()->find(name) : nullptr;
-  if (element && &value != this) _lend(value, [&] { value._decodeXML(*element); });
+  if (element && &value != this) _restoreItem(*element, value);
 }
 
+void ZmPack::_restoreItem(ZmPackObj& item, ZmPack& value) {
+  _lend(value);
+  value._decodeXML(item);
+  _regain(value);
+}
+
+// The element around is at hand again afterwards, for the members that follow.
 void ZmPack::_decodeXML(ZmPackObj& element) {
   const Place outside = std::exchange(_state().at, {});
   state_->at.element = &element;
@@ -263,6 +261,7 @@ void ZmPack::_decodeXML(ZmPackObj& element) {
   _state().at = outside;
 }
 
+// Blanks count as nothing: an empty list may have been written by hand, on two lines.
 int ZmPack::_insideXML(const ZmString& name) const {
   const ZmPackObj* element = _xml() ? _xml()->find(name) : nullptr;
   if (!element) return -1;
@@ -279,6 +278,8 @@ ZmPackObj* ZmPack::_item(int& at) const {
   return nullptr;
 }
 
-std::unique_ptr<ZmString> ZmPack::_takeItem(ZmPackObj& item, const ZmString*) {
-  return item.taketext();
+ZmOwned<ZmString> ZmPack::_takeItem(ZmPackObj& item, const ZmString*) {
+  return ZmOwned(item.taketext().release());
 }
+
+ZmOwned<ZmString> ZmPack::_takeKey(ZmPackObj& item) { return ZmOwned(item.takekey().release()); }

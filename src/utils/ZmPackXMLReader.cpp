@@ -81,7 +81,7 @@ ZmPackXMLReader::Result ZmPackXMLReader::read(std::string_view text) {
   const bool well_formed = XML_Parse(parser_, text.data(), size(text), 1) == XML_STATUS_OK;
   if (XML_GetErrorCode(parser_) == XML_ERROR_NO_MEMORY) result_ = kNoMemory;
   parser_ = nullptr;
-  if (result_ == kNoMemory) throw std::bad_alloc();
+  if (result_ == kNoMemory) throw std::bad_alloc();  // here, outside the frames of Expat
   return result_ == kDone && !well_formed ? kBroken : result_;
 }
 
@@ -90,6 +90,7 @@ void ZmPackXMLReader::stop(Result why) {
   XML_StopParser(parser_, XML_FALSE);
 }
 
+// A text in an encoding that is unknown here must not be taken for a plain one.
 ZmPackXMLReader::Encoding ZmPackXMLReader::encoding(const char* name) {
   if (!name) return kPlain;
   return std::string_view(name) == "base64" ? kBase64 : kUnknown;
@@ -103,6 +104,7 @@ std::unique_ptr<ZmString> ZmPackXMLReader::decoded(std::string_view value, Encod
   return zm_from_base64(value, *bytes) ? std::move(bytes) : nullptr;
 }
 
+// The items of a list all have one name, which they share.
 const std::shared_ptr<const ZmString>& ZmPackXMLReader::named(const char* name) {
   if (!name_ || std::strcmp(name_->value(), name) != 0) name_ = decoded(name, kPlain);
   return name_;
@@ -122,7 +124,7 @@ void ZmPackXMLReader::start(const char* name, const char** attributes) {
   if (open_.empty()) {
     root_ = std::move(made);
   } else {
-    open_.back()->push(element);
+    open_.back()->push(element);  // owns it now; open_ lends
     static_cast<void>(made.release());
   }
   open_.push_back(element);
@@ -146,6 +148,7 @@ void ZmPackXMLReader::data(std::string_view text) {
   }
 }
 
+// Only an element without others inside has a text, and that of a leaf is never null.
 void ZmPackXMLReader::end() {
   ZmPackObj& element = *open_.back();
   open_.pop_back();

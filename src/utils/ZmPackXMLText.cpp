@@ -66,6 +66,7 @@ bool zm_xml_name(std::string_view name) {
   return in.eof();
 }
 
+// The room is known, so that no text is copied while it grows; the last byte is the zero behind.
 ZmString zm_base64(std::string_view bytes) {
   ZmString text;
   const std::size_t length = (bytes.size() + 2) / 3 * 4;

@@ -7,7 +7,6 @@
 
 #include "ZmText.h"
 #include "ZmTextCursor.h"
-#include "ZmTextList.h"
 #include "ZmTextNumber.h"
 
 namespace {
@@ -56,10 +55,12 @@ ZmParam::ZmParam() {
   defineFlag("version");
 }
 
+ZmParam::~ZmParam() { delete[] arguments_; }
+
 unsigned char ZmParam::_define(int tag, const ZmString& name) {
-  auto option = std::make_unique<ZmOption>(tag, name);
+  ZmOwned<ZmOption> option(new ZmOption(tag, name));
   if (!options_.push(option.get())) return 0;
-  static_cast<void>(option.release());
+  option.release();
   return 1;
 }
 
@@ -71,20 +72,20 @@ unsigned char ZmParam::defineDiffOption(const ZmString& name) { return _define(k
 unsigned char ZmParam::parse(int argc, char** argv) {
   if (argc > 0) name_ = argv[0];
   ZmStringList args;
-  for (int i = 1; i < argc; ++i) zm_push(args, std::make_unique<ZmString>(argv[i]));
+  for (int i = 1; i < argc; ++i) args._push(new ZmString(argv[i]));
   return parse(args);
 }
 
 unsigned char ZmParam::parse(ZmStringList& args) {
   const int length = args.length();
-  arguments_ = std::make_unique<ZmString[]>(static_cast<std::size_t>(length) + 1);
+  delete[] std::exchange(arguments_, new ZmString[static_cast<std::size_t>(length) + 1]);
   count_ = 0;
   int index = 0;
   // Options first: what stands behind the first other argument belongs to the caller, whatever it
   // looks like.
   while (index < length && isoption(*args.get(index)))
     if (!_option(args, index)) return 0;
-  for (; index < length; ++index) arguments_[static_cast<std::size_t>(count_++)] = *args.get(index);
+  for (; index < length; ++index) arguments_[count_++] = *args.get(index);
   for (const auto& [name, show] : {std::pair("help", help_), std::pair("version", version_)}) {
     if (!_given(name)) continue;
     if (show) show();
@@ -189,9 +190,7 @@ const ZmOption* ZmParam::_given(const ZmString& name) const {
   return option && option->exists() ? option : nullptr;
 }
 
-const ZmString& ZmParam::arg(int i) const {
-  return i >= 0 && i < count_ ? arguments_[static_cast<std::size_t>(i)] : name_;
-}
+const ZmString& ZmParam::arg(int i) const { return i >= 0 && i < count_ ? arguments_[i] : name_; }
 
 void ZmParam::displayHeader() const {
   std::cout << "help: " << name_ << " ";

@@ -1,8 +1,6 @@
 #ifndef ZM_PARAM_H
 #define ZM_PARAM_H
 
-#include <memory>
-
 #include "ZmBase.h"
 #include "ZmOptionList.h"
 #include "ZmString.h"
@@ -23,7 +21,7 @@ class ZM_EXPORT ZmParam : public ZmBase {
   ZmParam();
   ZmParam(const ZmParam&) = delete;
   ZmParam& operator=(const ZmParam&) = delete;
-  ~ZmParam() override = default;           ///< Slot 0.
+  ~ZmParam() override;                     ///< Slot 0.
   virtual int type() const { return 81; }  ///< Slot 1. The type code.
 
   /// @name Defining options
@@ -67,9 +65,8 @@ class ZM_EXPORT ZmParam : public ZmBase {
   int length() const { return count_; }  ///< Number of positional arguments.
   /// The positional argument at i, from 0; the program name for any i outside 0..length()-1.
   const ZmString& arg(int i) const;
-  const ZmString& error() const {
-    return error_;
-  }  ///< Text of the last error, as it is to be printed.
+  /// Text of the last error, as it is to be printed.
+  const ZmString& error() const { return error_; }
   const ZmString& name() const { return name_; }  ///< The program name.
 
   void displayHeader() const;  ///< Prints all options in one line on standard output.
@@ -85,7 +82,7 @@ class ZM_EXPORT ZmParam : public ZmBase {
 
   ZmString name_;
   ZmOptionList options_;
-  std::unique_ptr<ZmString[]> arguments_;  // one element more than there were arguments
+  ZmString* arguments_ = nullptr;  // one element more than there were arguments
   int count_ = 0;
   ZmString error_;
   void (*help_)() = nullptr;

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "ZmText.h"
 #include "ZmTextCursor.h"
@@ -114,9 +115,9 @@ void appendspan(ZmString& text, int last, std::int64_t gap) {
 }
 
 void pushspan(ZmStringList& out, int first, int last, std::int64_t gap) {
-  auto text = std::make_unique<ZmString>(first);
+  ZmOwned<ZmString> text(new ZmString(first));
   if (first != last) appendspan(*text, last, gap);
-  zm_push(out, std::move(text));
+  out._push(text.release());
 }
 
 // The text around the bracket of a pattern item.
@@ -124,14 +125,14 @@ struct Surroundings {
   std::string before;
   std::string after;
 
-  // One name, in a buffer of just its size.
-  std::unique_ptr<ZmString> around(int value, int padding) const {
+  // One name, in a buffer of just its size, which the caller owns.
+  ZmString* around(int value, int padding) const {
     const ZmNumberText number(value);
     std::string_view digits = number.view();
     const auto width = std::max(static_cast<std::size_t>(padding), digits.size());
     const std::size_t size = before.size() + width + after.size() + 1;
     if (size > INT_MAX) throw std::bad_alloc();
-    auto name = std::make_unique<ZmString>();
+    ZmOwned<ZmString> name(new ZmString);
     name->_resize(static_cast<int>(size));
     zm_append(*name, before);
     std::size_t zeros = width - digits.size();
@@ -142,7 +143,7 @@ struct Surroundings {
     for (; zeros > 0; --zeros) name->append('0');
     zm_append(*name, digits);
     zm_append(*name, after);
-    return name;
+    return name.release();
   }
 };
 
@@ -153,6 +154,8 @@ ZmRange::ZmRange(const ZmString& text) { add(text); }
 ZmRange::ZmRange(const ZmRange& other) : ZmBase(other), padding_(other.padding_) {
   if (other.count_ > 0) std::copy(other._begin(), other._end(), _extend(other.count_));
 }
+
+ZmRange::~ZmRange() { delete[] values_; }
 
 ZmRange& ZmRange::operator=(const ZmRange& other) {
   ZmRange copy(other);
@@ -186,7 +189,7 @@ void ZmRange::add(const ZmString& text) {
 void ZmRange::add(int value) { *_extend(1) = value; }
 
 void ZmRange::clear() {
-  values_.reset();
+  delete[] std::exchange(values_, nullptr);
   count_ = 0;
 }
 
@@ -194,9 +197,9 @@ void ZmRange::clear() {
 // they are when there is no memory.
 int* ZmRange::_extend(std::int64_t n) {
   if (n > INT_MAX - count_) throw std::bad_alloc();
-  auto values = std::make_unique_for_overwrite<int[]>(static_cast<std::size_t>(count_ + n));
-  int* added = std::copy(_begin(), _end(), values.get());
-  values_ = std::move(values);
+  auto* const values = new int[static_cast<std::size_t>(count_ + n)];
+  int* added = std::copy(_begin(), _end(), values);
+  delete[] std::exchange(values_, values);
   count_ += static_cast<int>(n);
   return added;
 }
@@ -222,20 +225,18 @@ void ZmRange::binary() {
   struct Interval {
     int low, high;
   };
-  auto order = std::make_unique_for_overwrite<int[]>(static_cast<std::size_t>(count_));
-  int* out = order.get();
-  *out++ = get(0);
-  *out++ = get(count_ - 1);
+  std::vector<int> order{get(0), get(count_ - 1)};
+  order.reserve(static_cast<std::size_t>(count_));
   std::queue<Interval> intervals;
   for (intervals.push({0, count_ - 1}); !intervals.empty(); intervals.pop()) {
     const auto [low, high] = intervals.front();
     if (high - low < 2) continue;
     const int middle = low + (high - low) / 2;
-    *out++ = get(middle);
+    order.push_back(get(middle));
     intervals.push({low, middle});
     intervals.push({middle, high});
   }
-  values_ = std::move(order);
+  std::copy(order.begin(), order.end(), _begin());
 }
 
 void ZmRange::_strip() {
@@ -306,14 +307,13 @@ void ZmRange::patternsplit(int order, const ZmString& pattern, ZmStringList& out
   if (isrange(pattern)) {
     ZmRange range(pattern);
     range._arrange(order);
-    for (int i = 0; i < range.count_; ++i) zm_push(out, std::make_unique<ZmString>(range.get(i)));
+    for (int i = 0; i < range.count_; ++i) out._push(new ZmString(range.get(i)));
     return;
   }
   // Most patterns are plain names.
   constexpr ZmCharSet kSpecial("[, \t\r\n");
   ZmTextCursor in(zm_view(pattern));
-  if (!in.until(kSpecial).empty() && in.eof())
-    return zm_push(out, std::make_unique<ZmString>(pattern));
+  if (!in.until(kSpecial).empty() && in.eof()) return out._push(new ZmString(pattern));
   ZmStringList items;
   zm_split_comma(zm_view(pattern), items);
   for (int i = 0; i < items.length(); ++i) _expand(order, *items.get(i), out);
@@ -325,12 +325,12 @@ void ZmRange::_expand(int order, const ZmString& item, ZmStringList& out) {
   std::string_view token;
   Surroundings name;
   while (tokens.next(token) && token != "[") name.before += token;
-  if (!tokens.next(token)) return zm_push(out, std::make_unique<ZmString>(item));
+  if (!tokens.next(token)) return out._push(new ZmString(item));
   ZmRange range(zm_string(token));
   tokens.next(token);
   while (tokens.next(token)) name.after += token;
   range._arrange(order);
-  for (int i = 0; i < range.count_; ++i) zm_push(out, name.around(range.get(i), range.padding_));
+  for (int i = 0; i < range.count_; ++i) out._push(name.around(range.get(i), range.padding_));
 }
 
 void ZmRange::patternsplit(const ZmString& text, int& start, int& end, int& step) {

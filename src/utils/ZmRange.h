@@ -1,9 +1,7 @@
 #ifndef ZM_RANGE_H
 #define ZM_RANGE_H
 
-#include <cstddef>
 #include <cstdint>
-#include <memory>
 
 #include "ZmBase.h"
 #include "ZmString.h"
@@ -36,6 +34,7 @@ class ZM_EXPORT ZmRange : public ZmBase {
   ZmRange(const ZmString& text);             ///< parse(text).
   ZmRange(const ZmRange& other);             ///< A deep copy.
   ZmRange& operator=(const ZmRange& other);  ///< A deep copy.
+  ~ZmRange() override;                       ///< Slot 0.
 
   virtual int type() const;  ///< Slot 1. The type code, 89.
 
@@ -49,7 +48,7 @@ class ZM_EXPORT ZmRange : public ZmBase {
   void clear();                          ///< Forgets all values; the padding stays.
   int length() const { return count_; }  ///< Number of values.
   /// The value at position i (from 0); 0 outside 0..length()-1.
-  int get(int i) const { return i >= 0 && i < count_ ? values_[static_cast<std::size_t>(i)] : 0; }
+  int get(int i) const { return i >= 0 && i < count_ ? values_[i] : 0; }
   int padding() const { return padding_; }  ///< Least number of digits of an expanded value.
   unsigned char has(int value) const;       ///< Whether the value is held. Linear.
   /// Whether every value of the range text is held; 1 when it has none.
@@ -107,8 +106,8 @@ class ZM_EXPORT ZmRange : public ZmBase {
   /// @}
 
  private:
-  int* _begin() const { return values_.get(); }
-  int* _end() const { return values_.get() + count_; }
+  int* _begin() const { return values_; }
+  int* _end() const { return values_ + count_; }
   int* _extend(std::int64_t n);
   void _strip();
   void _arrange(int order);
@@ -116,7 +115,7 @@ class ZM_EXPORT ZmRange : public ZmBase {
   std::int64_t _gap(int i) const;
   int _run(int from) const;
 
-  std::unique_ptr<int[]> values_;  // null until the first value, and after clear()
+  int* values_ = nullptr;  // null until the first value, and after clear()
   int count_ = 0;
   int padding_ = 0;
 };

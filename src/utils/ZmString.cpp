@@ -22,7 +22,8 @@ int grown(long long need) {
   return need > INT_MAX / 4 ? INT_MAX : static_cast<int>(need * 4);
 }
 
-// A bare tolower(int) of our own would collide with the C library's.
+// A bare tolower(int) of our own would collide with the C library's, which must not be given the
+// negative numbers that bytes above 127 may be.
 char lower(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
 char upper(char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); }
 
@@ -112,6 +113,7 @@ void ZmString::wipe() const {
   if (!isundef()) explicit_bzero(_text(), static_cast<std::size_t>(_size()));
 }
 
+// Undefined while memory is asked for, so that it is a sound string when there is none.
 void ZmString::_resize(int n) {
   _drop();
   place_ = kNowhere;
@@ -130,6 +132,7 @@ void ZmString::copy(const char* s, int n) {
   _text()[n] = 0;
 }
 
+// A buffer that is large enough stays, however large: only a new one is exact.
 void ZmString::_fit(const char* s, int n) {
   if (n == INT_MAX) throw std::bad_alloc();
   if (n <= 0) return clear();
@@ -218,6 +221,8 @@ ZmString& ZmString::operator+=(float value) {
   return *this;
 }
 
+// The lengths come first, and then only what a C text would show: of two texts of one length that
+// differ behind a zero byte alone, neither is less and both are equal.
 unsigned char ZmString::operator==(const ZmString& other) const {
   if (length_ != other.length_) return 0;
   return length_ == 0 || std::strcmp(value(), other.value()) == 0;
@@ -249,6 +254,7 @@ unsigned char ZmString::haschar(char c) const {
 unsigned char ZmString::hasspace() const { return contains(zm_view(*this), kSpace); }
 unsigned char ZmString::multiline() const { return contains(zm_view(*this), kLineEnd); }
 
+// A lone "-" passes: scalars and command lines take it for a number, which reads as 0.
 unsigned char ZmString::isinteger() const {
   ZmTextCursor in(zm_view(*this));
   if (in.eof() || !(in.is('-') || kZmDigits.has(in.peek()))) return 0;
@@ -315,6 +321,7 @@ ZmString ZmString::replacevalue(const ZmString& from, const ZmString& to,
   return result;
 }
 
+// What stands behind a zero byte is not copied, but the array is as long as the text.
 char* ZmString::copyvalue() const {
   const auto n = static_cast<std::size_t>(length_);
   auto text = std::make_unique<char[]>(n + 1);  // all zero bytes
@@ -379,6 +386,7 @@ void ZmString::_debug_info() const {
 
 namespace {
 
+// Negative above 127, whatever char is on the machine: the number goes into texts.
 int code(char c) { return static_cast<signed char>(c); }
 
 template <class Left, class Right>

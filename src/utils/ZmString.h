@@ -51,22 +51,26 @@ class ZM_EXPORT ZmString : public ZmBase {
   void copy(const char* s);
   void copy(int value);    ///< clear(), then += value.
   void copy(float value);  ///< clear(), then += value.
+  /// copy(value).
   ZmString& operator=(int value) {
     copy(value);
     return *this;
-  }  ///< copy(value).
+  }
+  /// copy(s).
   ZmString& operator=(const char* s) {
     copy(s);
     return *this;
-  }  ///< copy(s).
+  }
+  /// The virtual copy(other).
   ZmString& operator=(const ZmString& other) {
     if (this != &other) copy(other);
     return *this;
-  }  ///< The virtual copy(other).
+  }
+  /// The virtual copy(*other); null is ignored.
   ZmString& operator=(ZmString* other) {
     if (other) copy(*other);
     return *this;
-  }  ///< The virtual copy(*other); null is ignored.
+  }
   /// Makes a defined string empty and keeps its buffer, unwiped; an undefined one stays undefined.
   void clear() {
     length_ = 0;
@@ -110,6 +114,8 @@ class ZM_EXPORT ZmString : public ZmBase {
 
   /// @name Appending
   /// @{
+
+  /// One byte, zero included.
   void append(char c) {
     if (length_ < _size() - 1) {
       char* const end = _text() + length_++;
@@ -118,13 +124,14 @@ class ZM_EXPORT ZmString : public ZmBase {
     } else {
       _append(&c, 1);
     }
-  }                                   ///< One byte, zero included.
+  }
   void append(const char* s, int n);  ///< n bytes; nothing when s is null or n <= 0.
   void append(const char* s);         ///< Up to the zero byte; nothing when s is null or "".
+  /// append(c).
   ZmString& operator+=(char c) {
     append(c);
     return *this;
-  }                                     ///< append(c).
+  }
   ZmString& operator+=(const char* s);  ///< append(s).
   /// Its text; nothing when it is empty.
   ZmString& operator+=(const ZmString& other) {

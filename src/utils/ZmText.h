@@ -26,10 +26,4 @@ inline const ZmString& zm_no_text() {
   return none;
 }
 
-// An empty text may have no bytes at all, which copy() would ignore.
-inline void zm_assign(ZmString& to, std::string_view text) {
-  to.clear();
-  to.copy(text.data(), static_cast<int>(text.size()));
-}
-
 #endif

@@ -9,14 +9,7 @@ constexpr ZmCharSet kQuote("\"'"), kParen("()"), kBracket("[]");
 constexpr ZmCharSet kSingle("()*+-/:?"), kRelation("<=>");
 constexpr ZmCharSet kExpressionStop(" \t\r\n+*/?:)(-&><=!|\"'");
 constexpr ZmCharSet kWordStop(" \t\r\n()\"'"), kRangeStop(" \t\r\n[]");
-constexpr ZmCharSet kName("ABCDEFGHIJKLMNOPQRSTUVWXYZ_");
-constexpr ZmCharSet kCommandStop("ABCDEFGHIJKLMNOPQRSTUVWXYZ()");
 constexpr ZmCharSet kSplitStop(",\"'{"), kBrace("{}"), kBracketEnd("]");
-
-void appendspaceless(ZmString& to, std::string_view text) {
-  for (const char c : text)
-    if (!kZmSpace.has(c)) to.append(c);
-}
 
 // Skips "{" and what belongs to it; gives the contents without the outer braces. An unclosed group
 // runs to the end.
@@ -39,21 +32,6 @@ void skipquoted(ZmTextCursor& in) {
   const char quote = in.take()[0];
   while (!in.eof() && !in.is(quote)) in.take(in.is('\\') ? 2 : 1);
   in.take();
-}
-
-// With its quotes and backslashes. Only the byte before a quote decides whether it closes.
-std::string_view commandquoted(ZmTextCursor& in) {
-  const std::string_view from = in.rest();
-  std::size_t end = 1;
-  while (end < from.size() && (from[end] != from[0] || from[end - 1] == '\\')) ++end;
-  return in.take(end + 1);
-}
-
-std::string_view commandtoken(ZmTextCursor& in) {
-  if (kQuote.has(in.peek())) return commandquoted(in);
-  if (kParen.has(in.peek())) return in.take();
-  if (kName.has(in.peek())) return in.skip(kName);
-  return in.until(kCommandStop);
 }
 
 // Up to the comma or the end, as it stands in the text.
@@ -128,10 +106,6 @@ void zm_tokenize(std::string_view text, ZmSyntax syntax, ZmStringList& tokens) {
   for (std::string_view token; in.next(token);) zm_push(tokens, token);
 }
 
-void zm_tokenize_command(std::string_view text, ZmStringList& tokens) {
-  for (ZmTextCursor in(text); !in.eof();) zm_push(tokens, commandtoken(in));
-}
-
 void zm_split(std::string_view text, ZmStringList& tokens) {
   for (ZmTextCursor in(text); !in.eof();) {
     const std::string_view element = splitelement(in);
@@ -156,46 +130,4 @@ void zm_split_comma(std::string_view text, ZmStringList& tokens) {
     }
   }
   if (!token.empty()) zm_push(tokens, token);
-}
-
-void zm_split_char(std::string_view text, char separator, ZmStringList& tokens) {
-  while (!text.empty()) {
-    const std::size_t end = text.find(separator);
-    zm_push(tokens, text.substr(0, end));
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-  }
-}
-
-void zm_split_space(std::string_view text, ZmStringList& tokens) {
-  ZmTextCursor in(text);
-  for (in.skip(kZmSpace); !in.eof(); in.skip(kZmSpace)) zm_push(tokens, in.until(kZmSpace));
-}
-
-void zm_split_period(std::string_view text, ZmString& left, ZmString& right) {
-  const std::size_t end = text.find('.');
-  zm_append(left, text.substr(0, end));
-  if (end != std::string_view::npos) zm_append(right, text.substr(end + 1));
-}
-
-bool zm_split_equal(std::string_view text, ZmString& left, ZmString& right) {
-  const std::size_t end = text.find('=');
-  appendspaceless(left, text.substr(0, end));
-  if (end == std::string_view::npos) return false;
-  ZmTextCursor in(text.substr(end + 1));
-  in.skip(kZmSpace);
-  zm_append(right, in.rest());
-  return true;
-}
-
-// Also ends at a "="; the last byte is never part of the name.
-bool zm_split_becomes(std::string_view text, ZmString& left, ZmString& right) {
-  if (text.empty()) return false;
-  std::size_t end = text.find_first_of(":=");
-  if (end == std::string_view::npos) end = text.size() - 1;
-  appendspaceless(left, text.substr(0, end));
-  if (text[end] != ':') return false;
-  ZmTextCursor in(text.substr(end + 1));
-  in.skip(kZmSpace);
-  zm_append(right, in.rest());
-  return true;
 }

@@ -1,4 +1,4 @@
-// Cuts texts into tokens and at separators: below scalars, ranges and expressions, which all split.
+// Cuts texts into tokens and at commas: below scalars, ranges and expressions, which all split.
 // Internal.
 //
 // Every function only appends to its outputs. ZmExpression's static operations of the like names
@@ -37,29 +37,10 @@ class ZmTokens {
 
 void zm_tokenize(std::string_view text, ZmSyntax syntax, ZmStringList& tokens);
 
-// "[", "]" and the words between them and white space.
-inline void zm_tokenize_range(std::string_view text, ZmStringList& tokens) {
-  zm_tokenize(text, ZmSyntax::kRange, tokens);
-}
-
-// Upper-case names, parentheses, quoted parts and the text between them; joins back to the text.
-void zm_tokenize_command(std::string_view text, ZmStringList& tokens);
-
 // Comma list with quotes and braces, which stay in the tokens; elements are trimmed.
 void zm_split(std::string_view text, ZmStringList& tokens);
 
 // At commas outside brackets; white space outside brackets is dropped.
 void zm_split_comma(std::string_view text, ZmStringList& tokens);
-
-// At every separator; the last token counts only when it is not empty.
-void zm_split_char(std::string_view text, char separator, ZmStringList& tokens);
-
-// At runs of white space.
-void zm_split_space(std::string_view text, ZmStringList& tokens);
-
-// At the first separator, which is dropped.
-void zm_split_period(std::string_view text, ZmString& left, ZmString& right);
-bool zm_split_equal(std::string_view text, ZmString& left, ZmString& right);
-bool zm_split_becomes(std::string_view text, ZmString& left, ZmString& right);
 
 #endif

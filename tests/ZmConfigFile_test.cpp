@@ -6,7 +6,6 @@
 namespace {
 
 using ZmConfigFileTest = Directory;
-using Rows = std::vector<std::pair<const char*, const char*>>;
 
 // Every section, sorted: "[name]label=value;label=value;".
 std::string held(const ZmConfigFile& file) {
@@ -37,22 +36,17 @@ std::string circle(const std::string& option) {
 }  // namespace
 
 TEST(ZmConfigFile, Tokenizes) {
-  const Rows rows = {{"", ""},
-                     {" a.b\t$c=d # e\n:]", "a.b|$c|=|d|\n|:|]"},
-                     {"a # b", "a"},  // a comment leaves nothing, blanks at the end an empty token
-                     {"a  ", "a|"},
-                     {"{a\\b\\\\}{ \\}c {\n}d}", "a\\b\\}{ }c {\n|d|}"},
-                     {"a{open", "a|open"},
-                     {"a\"\\\"\\\\ \\n#{}\"b", "a|\"|\"\\ \\n#{}|\"|b"},
-                     {"\"open\n\"open\r\"open", "\"|open|\"|\"|open|\"|\"|open|\""},
-                     {"a\\}b\r\n", "a|\\|}|b|\r|\n"},
-                     {"\"\\", "\"|\\|\""},
-                     {"\x01k\x7f\xe9y\x80=\v1", "ky|=|1"}};
-  for (const auto& [source, tokens] : rows) {
-    ZmStringList list;
-    ZmConfigFile().tokenize(source, list);
-    EXPECT_EQ(joined(list, "|"), tokens) << source;
-  }
+  // A comment leaves nothing, blanks at the end an empty token.
+  check({" => ", " a.b\t$c=d # e\n:] => a.b|$c|=|d|\n|:|]", "a # b => a", "a   => a|",
+         "{a\\b\\\\}{ \\}c {\n}d} => a\\b\\}{ }c {\n|d|}", "a{open => a|open",
+         "a\"\\\"\\\\ \\n#{}\"b => a|\"|\"\\ \\n#{}|\"|b",
+         "\"open\n\"open\r\"open => \"|open|\"|\"|open|\"|\"|open|\"",
+         "a\\}b\r\n => a|\\|}|b|\r|\n", "\"\\ => \"|\\|\"", "\x01k\x7f\xe9y\x80=\v1 => ky|=|1"},
+        [](const char* source) {
+          ZmStringList list;
+          ZmConfigFile().tokenize(source, list);
+          return joined(list, "|");
+        });
 }
 
 TEST(ZmConfigScanner, KnowsWhereTokensStand) {
@@ -113,11 +107,9 @@ TEST(ZmConfigFile, CutsValuesIntoWords) {
   ZmStringList words;
   file.stringtokenize("a \t.b{$}\\c\rd$$", words);
   EXPECT_EQ(joined(words, "|"), "a| \t|.|b|{|$|}|\\|c|\r|d|$|$");
-  const Rows rows = {{"$self.x ${this} $selfish self", "$n.x ${n} $selfish self"},
-                     {"$$self $ self ${", "$$self $ self ${"},
-                     {"${{self} $this", "${{self} $n"}};
-  for (const auto& [value, local] : rows)
-    EXPECT_STREQ(file._localvalue("n", value).value(), local) << value;
+  check({"$self.x ${this} $selfish self => $n.x ${n} $selfish self",
+         "$$self $ self ${ => $$self $ self ${", "${{self} $this => ${{self} $n"},
+        [&](const char* value) { return text(file._localvalue("n", value)); });
 }
 
 TEST(ZmConfigFile, ExpandsReferences) {
@@ -128,33 +120,9 @@ TEST(ZmConfigFile, ExpandsReferences) {
         "[a]x=1\ny=$x\nz=$b.z\n_=no\nb=me\n[b]x=2\ny=$c.y\nz=$x\n[c]y=\"$x$self.x\"\n"
         "\"\"=none\n");
   file.config("c")->option("s", "$self._");
-  const Rows rows = {{"no reference", "no reference"},
-                     {"$x", "1"},
-                     {"${b.x},${c._},$_", "2,c,a"},
-                     {"${b.x}x${b._}x${x}x", "2xbx1x"},
-                     {"$x $x.$x", "1.1"},  // the word behind an unqualified one is lost
-                     {"$x.$x", ".1"},      // no section has this name
-                     {"${x}}y${x }y", "1y1y"},
-                     {"${x y}z", "1y}z"},
-                     {"${b.x }y", "2 }y"},
-                     {"${b.}y", "y"},
-                     {"$nosuch", ""},
-                     {"$nosuch.x${nosuch.x}", ".x.x}"},
-                     {"a$", "a"},
-                     {"a${", "a"},
-                     {"$$x", ""},
-                     {"$ x$", ""},
-                     {"$b.", ""},
-                     {"$y$z", "$xz"},            // as stored
-                     {"${a.y};${b.z}", "1;1"},   // in the scope of the first
-                     {"${b.y};$c.s", "1c.x;c"},  // "self" moves with the qualifier
-                     {"$self.x$self", "2me"},
-                     {"$this._", "b"},
-                     {"\\$x", "\\1"},
-                     {"$x\r$x", "11"}};
-  for (const auto& [value, expanded] : rows) {
-    EXPECT_EQ(text(file._value("a", "b", value)), expanded) << value;
-  }
+  const auto seen = [&](const char* value) { return text(file._value("a", "b", value)); };
+  checklines("reader.values-asked", seen);
+  check({"$nosuch => ", "$$x => ", "$ x$ => ", "$b. => ", "$x\r$x => 11"}, seen);
   EXPECT_STREQ(file._value("none", "b", "$x.y ${_}z $self.x").value(), ".y }z 2");
 }
 

@@ -1,6 +1,6 @@
-#pragma once
-
 // What several tests share.
+#ifndef ZM_TEST_H
+#define ZM_TEST_H
 
 #include <gtest/gtest.h>
 
@@ -132,3 +132,5 @@ struct Directory : testing::Test {  // for files, and gone with the test
   std::string path = testing::TempDir() + "zm-XXXXXX";
   const char* made = ::mkdtemp(path.data());
 };
+
+#endif

@@ -48,6 +48,9 @@ if(ZM_SANITIZE)
   add_link_options(-fsanitize=${ZM_SANITIZE})
 endif()
 
+# Files of 2 GiB and more are files on 32-bit machines, too.
+add_compile_definitions(_FILE_OFFSET_BITS=64)
+
 # The same sources give the same bytes wherever they are built: no path of this machine in the
 # objects, no time or owner in the archive, no build path in the tool.
 add_compile_options(

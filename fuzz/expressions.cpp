@@ -7,12 +7,9 @@
 
 #include "ZmExpression.h"
 #include "ZmText.h"
+#include "require.h"
 
 namespace {
-
-void require(bool held) {
-  if (!held) __builtin_trap();
-}
 
 std::string joined(const ZmStringList& list, const std::string& separator = "") {
   std::string all;

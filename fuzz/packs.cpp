@@ -11,12 +11,9 @@
 #include "ZmOptionList.h"
 #include "ZmStringHash.h"
 #include "ZmStringList.h"
+#include "require.h"
 
 namespace {
-
-void require(bool holds) {
-  if (!holds) __builtin_trap();
-}
 
 std::string packed(ZmPack& pack, void (ZmPack::*write)()) {
   (pack.*write)();

@@ -9,12 +9,9 @@
 #include "ZmRange.h"
 #include "ZmText.h"
 #include "ZmTextNumber.h"
+#include "require.h"
 
 namespace {
-
-void require(bool condition) {
-  if (!condition) __builtin_trap();
-}
 
 std::vector<int> held(const ZmRange& range) {
   std::vector<int> values(static_cast<std::size_t>(range.length()));

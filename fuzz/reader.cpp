@@ -14,12 +14,9 @@
 #include "ZmConfigReference.h"
 #include "ZmConfigScanner.h"
 #include "ZmText.h"
+#include "require.h"
 
 namespace {
-
-void require(bool condition) {
-  if (!condition) __builtin_trap();
-}
 
 // References can ask for exponential results, and brackets for many sections.
 bool modest(std::string_view text) {

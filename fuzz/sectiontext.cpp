@@ -4,12 +4,9 @@
 
 #include "ZmConfig.h"
 #include "ZmText.h"
+#include "require.h"
 
 namespace {
-
-void require(bool condition) {
-  if (!condition) __builtin_trap();
-}
 
 bool has(std::string_view text, std::string_view any) {
   return text.find_first_of(any) != std::string_view::npos;

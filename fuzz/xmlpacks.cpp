@@ -11,12 +11,9 @@
 #include "ZmStringHash.h"
 #include "ZmStringList.h"
 #include "ZmText.h"
+#include "require.h"
 
 namespace {
-
-void require(bool holds) {
-  if (!holds) __builtin_trap();
-}
 
 ZmString packed(ZmPack& pack) {
   pack.packXML();

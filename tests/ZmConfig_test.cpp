@@ -1,34 +1,15 @@
-#include "ZmConfig.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "ZmConfigHash.h"
 #include "ZmConfigList.h"
+#include "ZmTest.h"
 
 namespace {
 
-using Options = std::vector<std::pair<const char*, const char*>>;
+using Options = std::initializer_list<std::pair<const char*, const char*>>;
 
-ZmConfig made(const Options& options) {
+ZmConfig made(Options options) {
   ZmConfig config;
   for (const auto& [label, value] : options) config.option(label, value);
   return config;
-}
-
-// "label=value;" in label order, as seen by every way to look at it.
-std::string held(const ZmConfig& config) {
-  std::string text;
-  ZmStringList labels;
-  config.labels(labels);
-  for (int i = 0; i < labels.length(); ++i) {
-    const ZmString& label = *labels.get(i);
-    EXPECT_TRUE(config.exists(label) && &config.value(i) == &config.option(label));
-    text += std::string(label.value()) + "=" + config.option(label).value() + ";";
-  }
-  return text;
 }
 
 }  // namespace
@@ -73,9 +54,8 @@ TEST(ZmConfig, ListsLabelsWhoseOptionsAreHiddenOrNotFound) {
   EXPECT_STREQ(copy.convert().value(), "x = 2\n01 = new\ny = 3\n01 = new\n");
   config.option("01", "new");
   EXPECT_EQ(held(config), "x=2;01=new;y=3;");
-  config.packXML();
   ZmConfig read;
-  EXPECT_EQ(read.unpackXML(config.packContents(), config.packSize()), 0);
+  EXPECT_EQ(unpackxml(read, xml(config)), 0);
   EXPECT_EQ(held(read), "x=2;01=new;y=3;");
   config.remove("01");
   EXPECT_EQ(held(config), "x=2;y=3;");
@@ -126,18 +106,18 @@ TEST(ZmConfig, ConvertsAndDisplays) {
       made({{"a", "x"}, {"b", "a \"b\""}, {"c", "1\n2"}, {"d", "\r"}, {"e", ""}});
   EXPECT_STREQ(config.convert().value(), "a = x\nb = \"a \"b\"\"\nc = {1\n2}\nd = {\r}\ne = \n");
   EXPECT_EQ(ZmConfig().convert().length(), 0);
-  testing::internal::CaptureStdout();
-  made({{"a", "x"}, {"b", "c d"}}).display();
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "items: 2\n0: a=x\n1: b=c d\n");
+  EXPECT_EQ(printed([] {
+              made({{"a", "x"}, {"b", "c d"}}).display();
+            }),
+            "items: 2\n0: a=x\n1: b=c d\n");
 }
 
 TEST(ZmConfig, Packs) {
   ZmConfig config = made({{"z", "1"}, {"a", "2 3"}, {"", ""}});
   config.name("node1");
   config.address(ZmAddress("10.0.0.7"));
-  config.pack();
   ZmConfig other = made({{"old", "1"}});
-  EXPECT_EQ(other.unpack(config.packContents(), config.packSize()), 0);
+  EXPECT_EQ(unpack(other, record(config)), 0);
   EXPECT_EQ(held(other), "z=1;a=2 3;=;");
   EXPECT_STREQ(other.name().value(), "node1");
   EXPECT_EQ(other.address().value(), config.address().value());

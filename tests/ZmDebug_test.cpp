@@ -1,40 +1,30 @@
 #include "ZmDebug.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <ctime>
-#include <filesystem>
 #include <iostream>
 #include <locale>
-#include <string>
 
 #include "ZmFile.h"
+#include "ZmTest.h"
 
 namespace {
 
-struct ZmDebugTest : testing::Test {  // logs below a directory of its own
-  ~ZmDebugTest() override {
-    zm_debug_filename("", 0);
-    std::filesystem::remove_all(directory);
-  }
-  ZmString in(const char* name) const { return (directory + "/" + name).c_str(); }
-
-  std::string directory = testing::TempDir() + "zmdebug-XXXXXX";
-  const char* made = ::mkdtemp(directory.data());
+struct ZmDebugTest : Directory {
+  ~ZmDebugTest() override { zm_debug_filename("", 0); }
 };
 
-void log(const char* text) {
-  zm_debug_obj() << text;
+void log(const char* message) {
+  zm_debug_obj() << message;
   zm_debug_obj().unlock();
 }
 
-std::string printed(int mode) {
-  testing::internal::CaptureStdout();
-  zm_debug_obj().mode(mode);
-  zm_debug_obj() << "text " << ZmString("s") << -1 << 4000000000u << -5000000000LL << 1.5F << 'c';
-  return testing::internal::GetCapturedStdout();
+std::string shown(int mode) {
+  return printed([=] {
+    zm_debug_obj().mode(mode);
+    zm_debug_obj() << "text " << ZmString("s") << -1 << 4000000000u << -5000000000LL << 1.5F << 'c';
+  });
 }
 
 struct Grouped : std::numpunct<char> {
@@ -54,13 +44,13 @@ std::string mark() {
 
 TEST_F(ZmDebugTest, WritesToStandardOutputWithoutAFile) {
   EXPECT_EQ(zm_debug_verb(), -4097);  // all bits but one
-  const std::string text = "text s-14000000000-50000000001.5c";
-  EXPECT_EQ(printed(0), text);
-  EXPECT_EQ(printed(1), text);
+  const std::string all = "text s-14000000000-50000000001.5c";
+  EXPECT_EQ(shown(0), all);
+  EXPECT_EQ(shown(1), all);
   zm_debug_obj().filename(in("log"));
   std::cout << std::hex;
   const std::locale before = std::cout.imbue(std::locale(std::locale(), new Grouped));
-  EXPECT_EQ(printed(2), text);
+  EXPECT_EQ(shown(2), all);
   std::cout.imbue(before);
   std::cout << std::dec;
 }
@@ -101,8 +91,8 @@ TEST_F(ZmDebugTest, MarksMessages) {
   const std::string before = mark();
   zm_debug_obj().mark();
   log("");
-  const std::string text = ZmFile::load(in("log")).value();
-  EXPECT_TRUE(text == before || text == mark()) << text;
+  const std::string found = content(in("log").value());
+  EXPECT_TRUE(found == before || found == mark()) << found;
   ::unsetenv("TZ");
   ::tzset();
 }

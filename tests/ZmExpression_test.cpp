@@ -1,19 +1,13 @@
 #include "ZmExpression.h"
 
-#include <gtest/gtest.h>
-
 #include <sstream>
-#include <string>
-#include <vector>
 
-#include "ZmText.h"
+#include "ZmTest.h"
 
 namespace {
 
-using Strings = std::vector<std::string>;
-
 // Rows are a source and its pieces, each piece behind a "`".
-void check(void (*cut)(const ZmString&, ZmStringList&), const Strings& rows) {
+void check(void (*cut)(const ZmString&, ZmStringList&), std::initializer_list<std::string> rows) {
   for (const auto& row : rows) {
     const auto source = row.substr(0, row.find('`'));
     ZmStringList list;
@@ -34,63 +28,44 @@ void halves(const ZmString& source, ZmStringList& out) {
 // "(op a b)", a missing child as "_"; a node without name and operator as "()".
 std::string shown(const ZmExpression* node) {
   if (!node) return "_";
-  if (node->name().length() > 0) return std::string(zm_view(node->name()));
+  if (node->name().length() > 0) return text(node->name());
   if (node->op().length() == 0) return "()";
-  return "(" + std::string(zm_view(node->op())) + " " + shown(node->a()) + " " + shown(node->b()) +
-         ")";
+  return "(" + text(node->op()) + " " + shown(node->a()) + " " + shown(node->b()) + ")";
 }
 
 std::string evaluated(ZmExpression& expression) {
   ZmScalar result{ZmString("untouched")};
   expression.eval(result);
-  return std::string(zm_view(result.stringvalue()));
-}
-
-std::string repeated(const char* text, int n, const char* last) {
-  std::string all;
-  for (int i = 0; i < n; ++i) all += text;
-  return all + last;
+  return text(result.stringvalue());
 }
 
 constexpr int kInfix = 0, kPostfix = 1, kPrefix = 2;
 
-void check(int notation, const std::vector<std::string>& rows) {
-  const std::string arrow = " => ";
-  for (const auto& row : rows) {
-    const auto tree = row.find(arrow), value = row.find(arrow, tree + 1);
-    const bool valid = value != std::string::npos;
-    ZmExpression expression;
-    EXPECT_EQ(expression.parse(row.substr(0, tree).c_str(), notation), valid) << row;
-    std::string result = row.substr(0, tree) + arrow + shown(&expression);
-    for (const char* time : {"first", "again"})
-      EXPECT_EQ(valid ? result + arrow + evaluated(expression) : result, row) << time;
-  }
+// "tree => value", without a value where parsing fails.
+template <int kNotation>
+std::string parsed(const char* source) {
+  ZmExpression expression;
+  const unsigned char valid = expression.parse(source, kNotation);
+  const std::string tree = shown(&expression);
+  if (!valid) return tree;
+  const std::string value = evaluated(expression);
+  EXPECT_EQ(evaluated(expression), value) << source;
+  return tree + " => " + value;
 }
 
 // Knows x = 4, y = a text, e = nothing; every other name is its own value and no variable.
-class Table : public ZmReference {
- public:
-  explicit Table(int& alive) : alive_(alive) { ++alive_; }
-  Table(const Table& other) : ZmReference(other), alive_(other.alive_) { ++alive_; }
-  ~Table() override { --alive_; }
+struct Table : ZmReference, Counted {
   void value(const ZmString& name, ZmString& out) override {
     EXPECT_EQ(out.length(), 0);
-    if (name == "x") {
-      out = "4";
-    } else if (name == "y") {
-      out = "a, b";
-    } else if (!(name == "e")) {
-      ZmReference::value(name, out);
-    }
+    if (name == "x") out = "4";
+    if (name == "y") out = "a, b";
+    if (!variable(name)) ZmReference::value(name, out);
   }
   unsigned char valid(const ZmString& name) override { return !(name == "bad"); }
   unsigned char variable(const ZmString& name) override {
     EXPECT_GT(name.length(), 0);
     return name == "x" || name == "y" || name == "e";
   }
-
- private:
-  int& alive_;
 };
 
 }  // namespace
@@ -160,29 +135,16 @@ TEST(ZmExpression, KnowsItsOperators) {
   }
 }
 
-// "text => tree => value"; without a value parsing fails. Operators of equal strength group to the
-// right; nothing counts as the integer 0 where an operand must be; postfix takes the operand
-// written last as a; the prefix and postfix parsers' unary nodes have no b and come to nothing.
+// Postfix takes the operand written last as a; the prefix and postfix parsers' unary nodes have no
+// b and come to nothing.
 TEST(ZmExpression, ParsesAndEvaluates) {
-  check(kInfix,
-        {"1 + 2 * 3 => (+ 1 (* 2 3)) => 7", "(1 + 2) * 3 => (* (+ 1 2) 3) => 9",
-         "2 * 3 + 4 => (+ (* 2 3) 4) => 10", "10 - 4 - 3 => (- 10 (- 4 3)) => 9",
-         "-3 + 5 => (+ (-- _ 3) 5) => 2", "2 - -3 => (- 2 (-- _ 3)) => 5",
-         "not not 0 => (not _ (not _ 0)) => 0", "1 == 1 && 2 < 3 => (&& (== 1 1) (< 2 3)) => 1",
-         "1 | 2 == 3 => (== (| 1 2) 3) => 1", "1 << 1 or 0 => (<< 1 (or 1 0)) => 2",
-         "1 + 2 ; 3 => (+ 1 (; 2 3)) => 1",
-         // Operators out of place, and failures.
-         "; 5 => ;", "* + 2 => (+ * 2) => 0", "min => min => min", "3 max 4 => (max 3 4) => 4",
-         "1 ? 2 => 1", "a b => a", " => ()", ") a => a => a",
-         "(1 + 2 => (( _ (+ 1 2)) => untouched", "() => ()", "1 + => (+ _ 1) => untouched",
-         "1 + (2 *) => (+ _ (* 1 2)) => untouched", "not '' => (not _ ()) => 1",
-         "- => (-- _ _) => untouched", "- abc => (-- _ abc) => untouched",
-         "-abc == x => (== (-- _ abc) x) => 0", "abc == 'abc' => (== abc abc) => 1",
-         "b in 'a,b' => (in b a,b) => 1", "7 / 2.0 => (/ 7 2.0) => 3.500000"});
-  check(kPostfix, {"7 2 - => (- 2 7) => -5", "1 not => (not 1 _) => untouched", "1 + => (+ 1 _)",
-                   "1 2 3 + => 1"});
-  check(kPrefix, {"- 7 2 => (- 7 2) => 5", "+ 1 * 2 3 => (+ 1 (* 2 3)) => 7",
-                  "not 1 => (not 1 _) => untouched", "+ 1 => (+ 1 _)", "( 1 ) => )"});
+  checklines("trees", parsed<kInfix>);
+  check({"7 2 - => (- 2 7) => -5", "1 not => (not 1 _) => untouched", "1 + => (+ 1 _)",
+         "1 2 3 + => 1"},
+        parsed<kPostfix>);
+  check({"- 7 2 => (- 7 2) => 5", "+ 1 * 2 3 => (+ 1 (* 2 3)) => 7",
+         "not 1 => (not 1 _) => untouched", "+ 1 => (+ 1 _)", "( 1 ) => )"},
+        parsed<kPrefix>);
 }
 
 TEST(ZmExpression, OtherParsersAndTokens) {
@@ -200,9 +162,8 @@ TEST(ZmExpression, OtherParsersAndTokens) {
 }
 
 TEST(ZmExpression, ReferenceIsSharedAndCounted) {
-  int alive = 0;
   {
-    auto* table = new Table(alive);
+    auto* table = new Table;
     ZmExpression early, late;
     early.reference(table);
     ASSERT_EQ(early.parse("x * 2 + bad", kInfix), 1);
@@ -224,10 +185,10 @@ TEST(ZmExpression, ReferenceIsSharedAndCounted) {
     delete a;
     delete b;
     EXPECT_EQ(table->count(), 13);  // what a failed parse leaves over is freed
-    EXPECT_EQ(Table(*table).count(), 0);
-    EXPECT_EQ(alive, 1);
+    EXPECT_EQ(Table().count(), 0);
+    EXPECT_EQ(Counted::live, 1);
   }
-  EXPECT_EQ(alive, 0);
+  EXPECT_EQ(Counted::live, 0);
 }
 
 TEST(ZmExpression, CallbacksGiveValues) {
@@ -270,16 +231,14 @@ TEST(ZmExpression, ChangesShowInTheNextEvaluation) {
 TEST(ZmExpression, DisplaysANodeALine) {
   ZmExpression expression;
   expression.parse("1 + 2 * -x", kInfix);
-  testing::internal::CaptureStdout();
-  expression.display(1);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), " +\n   1\n   *\n     2\n     --\n       x\n");
+  EXPECT_EQ(printed([&] { expression.display(1); }), " +\n   1\n   *\n     2\n     --\n       x\n");
 }
 
 // Depth follows the input; the stack must not.
 TEST(ZmExpression, DepthNeedsNoStack) {
   constexpr int n = 300'000;
   const struct {
-    std::string text;
+    std::string source;
     int notation;
     const char* value;
   } rows[] = {{repeated("1+", n - 1, "1"), kInfix, "300000"},
@@ -289,24 +248,18 @@ TEST(ZmExpression, DepthNeedsNoStack) {
               {repeated("+ 1 ", n - 1, "1"), kPrefix, "300000"},
               {"1" + repeated(" 1 +", n - 1, ""), kPostfix, "300000"},
               {"((1 - 1) + " + repeated("2 * 1 + ", n / 2, "0)"), kInfix, "300000"}};
-  for (const auto& [text, notation, value] : rows) {
-    int alive = 0;
-    {
-      ZmExpression expression;
-      ASSERT_EQ(expression.parse(ZmString(text.data(), static_cast<int>(text.size())), notation),
-                1);
-      expression.validreq(nullptr);
-      expression.valuereq(nullptr);
-      expression.reference(new Table(alive));
-      EXPECT_EQ(expression.isvalid(), 1);
-      ZmStringList names;
-      expression.variables(names);
-      EXPECT_EQ(names.length(), value ? 0 : 1);
-      if (value) {
-        EXPECT_EQ(evaluated(expression), value);
-      }
-      const ZmExpression copy(expression);
-    }
-    EXPECT_EQ(alive, 0);
+  for (const auto& [source, notation, value] : rows) {
+    ZmExpression expression;
+    ASSERT_EQ(expression.parse(zm_string(source), notation), 1);
+    expression.validreq(nullptr);
+    expression.valuereq(nullptr);
+    expression.reference(new Table);
+    EXPECT_EQ(expression.isvalid(), 1);
+    ZmStringList names;
+    expression.variables(names);
+    EXPECT_EQ(names.length(), value ? 0 : 1);
+    EXPECT_EQ(value ? evaluated(expression) : "", value ? value : "");
+    const ZmExpression copy(expression);
   }
+  EXPECT_EQ(Counted::live, 0);
 }

@@ -1,43 +1,24 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <cstdlib>
 #include <random>
 #include <set>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "ZmPackBigEndian.h"
 #include "ZmStringHash.h"
-#include "ZmStringList.h"
-#include "ZmText.h"
+#include "ZmTest.h"
 
 namespace {
-
-struct Counted {
-  Counted() { ++live; }
-  Counted(const Counted&) = delete;
-  Counted& operator=(const Counted&) = delete;
-  virtual ~Counted() { --live; }
-  virtual void copy(const Counted&) {}
-
-  static inline int live = 0;
-};
 
 std::vector<std::string> keys(const ZmBaseHash<ZmString>& hash) {
   ZmStringList lent;
   hash.keys(lent);
-  std::vector<std::string> found;
-  found.reserve(static_cast<std::size_t>(lent.length()));
-  for (int i = 0; i < lent.length(); ++i) found.emplace_back(zm_view(*lent.get(i)));
+  std::vector<std::string> found(static_cast<std::size_t>(lent.length()));
+  for (int i = 0; std::string & key : found) key = text(*lent.get(i++));
   lent.release();
   return found;
 }
 
 int count(ZmStringHash& hash) {  // stands in the record behind the version, a tag and a code
-  hash.pack();
-  return zm_get_big_endian<int>(reinterpret_cast<const unsigned char*>(hash.packContents()) + 8);
+  return zm_get_big_endian<int>(reinterpret_cast<const unsigned char*>(record(hash).data()) + 8);
 }
 
 // The table as it is published, at its plainest.
@@ -215,9 +196,8 @@ TEST(ZmHash, KeysOfOneHashPastAllProbesAreKept) {
   EXPECT_EQ(keys(copy), keys(hash));
   for (unsigned i = 0; i < kKeys; ++i)
     ASSERT_EQ(copy.get(colliding(i, kPairs).c_str())->integervalue(), static_cast<int>(i));
-  hash.pack();
   ZmStringHash read;
-  EXPECT_EQ(read.unpack(hash.packContents(), hash.packSize()), 0);
+  EXPECT_EQ(unpack(read, record(hash)), 0);
   const auto found = keys(read);
   EXPECT_EQ(std::set(found.begin(), found.end()).size(), 2 * kKeys);
   for (unsigned i = 0; i < kKeys; ++i) {

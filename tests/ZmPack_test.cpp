@@ -1,17 +1,10 @@
-#include "ZmPack.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <climits>
-#include <cstdio>
 #include <memory>
-#include <string>
-#include <vector>
 
+#include "ZmFile.h"
 #include "ZmStringHash.h"
-#include "ZmStringList.h"
-#include "ZmText.h"
+#include "ZmTest.h"
 
 namespace {
 
@@ -64,16 +57,6 @@ std::string bytes(std::string digits) {
   return out;
 }
 
-std::string record(ZmPack& object) {
-  object.pack();
-  return {object.packContents(), static_cast<std::size_t>(object.packSize())};
-}
-
-int unpack(ZmPack& object, const std::string& data) {
-  const std::vector<char> exact(data.begin(), data.end());  // so that reading past it is seen
-  return object.unpack(exact.data(), static_cast<int>(exact.size()));
-}
-
 const char kVersion[] = "00000001";
 const char kSample[] =
     "00000001 0001 0001 fffffffe 0002 0002 ff 0003 0003 00000003 610062"
@@ -123,62 +106,35 @@ TEST(ZmPack, EveryTruncationReadsWhatIsWhole) {
 }
 
 TEST(ZmPack, ReadsWhatItKnowsAndSkipsTheRest) {
-  const struct {
-    const char* fields;
-    int number;  // field 1; 0: lost
-  } rows[] = {{"0001 0001 00000005", 5},
-              {"0001 0001 00000004 0001 0001 00000005", 5},  // the last one counts
-              {"0009 0001 00000001 0001 0001 00000005", 5},
-              {"0001 0002 01 0001 0001 00000005", 5},  // of another type
-              {"0009 0002 01 0001 0001 00000005", 5},
-              {"0009 0003 00000001 01 0001 0001 00000005", 5},
-              {"0009 0003 7fffffff 01 0001 0001 00000005", 0},
-              {"0009 0003 ffffffff 0001 0001 00000005", 0},
-              {"0009 0004 00000001 00000000 0001 0001 00000005", 5},
-              {"0009 0004 00000001 ffffffff 0001 0001 00000005", 0},
-              {"0004 0004 00000038 00000000 0001 0001 00000005", 0},  // no such list
-              {"0009 0005 00000001 0001 0001 00000005", 5},
-              {"0009 0006 01 0001 0001 00000005", 5},
-              {"0009 0007 0000000000000001 0001 0001 00000005", 0},  // as documented
-              {"0009 0008 0001 0001 00000005", 0},
-              {"0007 0007 0000000000000001 0001 0001 00000005", 5},
-              {"0001 0001 00000005 000000", 5}};
-  for (const auto& [fields, number] : rows) {
+  checklines("fields", [](const char* fields) {
     Sample sample;
-    EXPECT_EQ(unpack(sample, bytes(kVersion + std::string(fields))), 0) << fields;
-    EXPECT_EQ(sample.number, number) << fields;
-  }
+    EXPECT_EQ(unpack(sample, bytes(kVersion + std::string(fields))), 0);
+    return std::to_string(sample.number);
+  });
   Sample sample;
   EXPECT_EQ(unpack(sample, bytes("00000002 0001 0001 00000005")), 3);
   EXPECT_EQ(sample.unpack(nullptr, 8), 1);
 }
 
 TEST(ZmPack, ContainersReadNoMoreThanIsThere) {
-  const struct {
-    const char* fields;
-    const char* list;
-    const char* hash;  // keys and values
-  } rows[] = {{"0001 0001 00000000", "", ""},
-              {"0001 0001 7fffffff 000a 0003 00000001 61", "a", ""},
-              {"0001 0001 ffffffff 000a 0003 00000001 61", "", ""},
-              {"0001 0001 00000001 000a 0003 00000001 61 000a 0003 00000001 62", "a", "a="},
-              {"0001 0001 00000002 000a 0003 00000001 61 001e 0003 00000001 62", "a+", "a=b"},
-              {"0001 0001 00000002 0009 0001 00000001 001e 0003 00000001 62", "+", "=b"},
-              {"0001 0001 00000002 000a 0003 00000001 61 001e 0003 00000002 62", "a+", ""},
-              {"0001 0001 00000002 000a 0003 00000002 61", "", ""},
-              {"000a 0003 00000001 61 001e 0003 00000001 62", "", ""}};
-  for (const auto& [fields, list, hash] : rows) {
-    const std::string data = bytes(kVersion + std::string(fields));
-    ZmStringList texts;
-    EXPECT_EQ(unpack(texts, data), 0);
-    EXPECT_STREQ(texts.join("+").value(), list) << fields;
-    ZmStringHash pairs;
-    EXPECT_EQ(unpack(pairs, data), 0);
-    ZmStringList keys;
-    pairs.copykeys(keys);
-    for (int i = 0; i < keys.length(); ++i) *keys.get(i) += "=" + *pairs.get(*keys.get(i));
-    EXPECT_STREQ(keys.join("+").value(), hash) << fields;
-  }
+  // As a list; as a hash of keys and values.
+  check({"0001 0001 00000000 => |", "0001 0001 7fffffff 000a 0003 00000001 61 => a|",
+         "0001 0001 ffffffff 000a 0003 00000001 61 => |",
+         "0001 0001 00000001 000a 0003 00000001 61 000a 0003 00000001 62 => a|a=",
+         "0001 0001 00000002 000a 0003 00000001 61 001e 0003 00000001 62 => a+|a=b",
+         "0001 0001 00000002 0009 0001 00000001 001e 0003 00000001 62 => +|=b",
+         "0001 0001 00000002 000a 0003 00000001 61 001e 0003 00000002 62 => a+|",
+         "0001 0001 00000002 000a 0003 00000002 61 => |",
+         "000a 0003 00000001 61 001e 0003 00000001 62 => |"},
+        [](const char* fields) {
+          const std::string data = bytes(kVersion + std::string(fields));
+          ZmStringList texts, keys;
+          ZmStringHash pairs;
+          EXPECT_EQ(unpack(texts, data) + unpack(pairs, data), 0);
+          pairs.copykeys(keys);
+          for (int i = 0; i < keys.length(); ++i) *keys.get(i) += "=" + *pairs.get(*keys.get(i));
+          return joined(texts, "+") + "|" + joined(keys, "+");
+        });
   ZmStringHash hash;
   hash.set(new ZmString("1"), "ab");  // slot 1
   hash.set(nullptr, "");              // slot 0
@@ -219,23 +175,19 @@ TEST(ZmPack, HostileNestingEnds) {
   EXPECT_EQ(levels, 1002);  // the outermost, the 1000 that are read, and the one that is not
 }
 
-TEST(ZmPack, ArchivesAndRecovers) {
-  const ZmString path = ZmString(testing::TempDir().c_str()) + "ZmPack_test.pack";
-  Sample sample;
+using ZmPackTest = Directory;
+
+TEST_F(ZmPackTest, ArchivesAndRecovers) {
+  const ZmString file = in("pack");
+  Sample sample, read;
   fill(sample);
   const int size = static_cast<int>(bytes(kSample).size());
-  EXPECT_EQ(sample.archive(path), size);
+  EXPECT_EQ(sample.archive(file), size);
   EXPECT_EQ(sample.packSize(), 0);
-  Sample read;
-  EXPECT_EQ(read.recover(path), size);
+  EXPECT_EQ(read.recover(file), size);
   EXPECT_EQ(read.number, -2);
-  std::FILE* const broken = std::fopen(path.value(), "wb");
-  std::fputs("other", broken);
-  std::fclose(broken);
-  EXPECT_EQ(read.recover(path), 0);
-  std::remove(path.value());
-  EXPECT_EQ(read.recover(path), 0);
-  EXPECT_EQ(read.recover("/"), 0);
-  EXPECT_EQ(read.archive("/"), 0);
-  EXPECT_EQ(read.archive("/dev/full"), 0);
+  ZmFile::save(file, "other");
+  for (const ZmString& none : {file, in("missing"), ZmString("/")})
+    EXPECT_EQ(read.recover(none), 0);
+  for (const char* none : {"/", "/dev/full"}) EXPECT_EQ(read.archive(none), 0);
 }

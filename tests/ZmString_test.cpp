@@ -1,46 +1,33 @@
 #include "ZmString.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cfloat>
 #include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 #include <memory>
 #include <new>
-#include <string>
-#include <tuple>
-#include <utility>
-#include <vector>
 
-#include "ZmText.h"
+#include "ZmTest.h"
 
 namespace {
 
 // Virtual table, the smallest buffer, length, and what the flags take.
 static_assert(sizeof(ZmString) == sizeof(void*) + 16 + 2 * sizeof(int));
 
-std::string text(const ZmString& s) { return std::string(zm_view(s)); }
-
 std::string shown(const ZmString& s) { return s.isundef() ? "undefined" : "'" + text(s) + "'"; }
-
-ZmString zeroed(std::string_view bytes) { return zm_string(bytes); }
 
 // "capacity/length", as printed.
 std::string state(const ZmString& s) {
-  testing::internal::CaptureStdout();
-  s._debug_info();
   int fields[2] = {};
-  const std::string shown = testing::internal::GetCapturedStdout();
-  std::sscanf(shown.c_str(), "ZmString:\n\tsize: %d\n\tlength: %d", fields, fields + 1);
+  const std::string all = printed([&] { s._debug_info(); });
+  std::sscanf(all.c_str(), "ZmString:\n\tsize: %d\n\tlength: %d", fields, fields + 1);
   return std::to_string(fields[0]) + "/" + std::to_string(fields[1]);
 }
 
 template <class... Arguments>
-std::string printed(const std::string& format, Arguments... arguments) {
+std::string formed(const std::string& format, Arguments... arguments) {
   char out[512];
   std::snprintf(out, sizeof out, format.c_str(), arguments...);
   return out;
@@ -124,9 +111,9 @@ TEST(ZmString, ComparesByteOrderWithTheEmptyTextsFirst) {
     }
   }
   // A comparison ends at a zero byte; the length counts all the same.
-  EXPECT_TRUE(zeroed({"a\0b", 3}) == zeroed({"a\0c", 3}));
-  EXPECT_FALSE(zeroed({"a\0b", 3}) == ZmString("a"));
-  EXPECT_EQ(zeroed({"a\0b", 3}).cmp("a"), 0);
+  EXPECT_TRUE(zm_string({"a\0b", 3}) == zm_string({"a\0c", 3}));
+  EXPECT_FALSE(zm_string({"a\0b", 3}) == ZmString("a"));
+  EXPECT_EQ(zm_string({"a\0b", 3}).cmp("a"), 0);
 }
 
 TEST(ZmString, FindsAsEqualityDoes) {
@@ -139,8 +126,8 @@ TEST(ZmString, FindsAsEqualityDoes) {
       std::ranges::replace(what, '0', '\0');
       bool found = what.empty();
       for (int i = 0; i < static_cast<int>(in.size()); ++i)
-        found |= zeroed(in).substr(i, i + static_cast<int>(what.size())) == zeroed(what);
-      EXPECT_EQ(zeroed(in).find(zeroed(what)), found) << in << " " << what;
+        found |= zm_string(in).substr(i, i + static_cast<int>(what.size())) == zm_string(what);
+      EXPECT_EQ(zm_string(in).find(zm_string(what)), found) << in << " " << what;
     }
   }
 }
@@ -159,7 +146,7 @@ TEST(ZmString, KnowsWhatTextsLookLike) {
     for (const char* s : no) EXPECT_FALSE((ZmString(s).*is)()) << s;
   }
   EXPECT_FALSE(ZmString("ab").haschar(0));
-  EXPECT_TRUE(zeroed({"a\0", 2}).haschar(0));
+  EXPECT_TRUE(zm_string({"a\0", 2}).haschar(0));
 }
 
 TEST(ZmString, MakesNewTexts) {
@@ -202,35 +189,27 @@ TEST(ZmString, Concatenates) {
 }
 
 TEST(ZmString, ReadsNumbers) {
-  // Decimal; hexadecimal, of the whole and of two bytes.
-  const std::tuple<const char*, int, unsigned, int> rows[] = {
-      {"", 0, 0, 0},
-      {"x1", 0, 1, 1},
-      {"1G", 1, 16, 16},
-      {"fF34", 0, 0xff34, 255},
-      {" -7x", -7, 112, 0},
-      {"123456789", 123456789, 0x23456789, 18},
-      {"2147483648", INT_MIN, 0x47483648, 33},  // wraps, on every machine
-      {"9223372036854775808", -1, 0x54775808, 146}};
-  for (const auto& [s, number, hex, byte] : rows) {
-    EXPECT_EQ(ZmString(s).integervalue(), number) << s;
-    EXPECT_EQ(ZmString(s).hexvalue(), hex) << s;
-    EXPECT_EQ(ZmString(s).hexchar(), byte) << s;
-  }
+  // Decimal, which wraps; hexadecimal, of the whole and of two bytes.
+  check({" => 0 0 0", "x1 => 0 1 1", "1G => 1 10 10", "fF34 => 0 ff34 ff", " -7x => -7 70 0",
+         "123456789 => 123456789 23456789 12", "2147483648 => -2147483648 47483648 21",
+         "9223372036854775808 => -1 54775808 92"},
+        [](const ZmString& s) {
+          return formed("%d %x %x", s.integervalue(), s.hexvalue(), s.hexchar());
+        });
   EXPECT_EQ(ZmString("-9223372036854775808").longlongvalue(), LLONG_MIN);
   EXPECT_EQ(ZmString("1.5e1x").floatvalue(), 15.0F);
 }
 
 TEST(ZmString, WritesNumbersAsPrintf) {
   for (const int value : {0, 7, -7, 12345, INT_MAX, INT_MIN}) {
-    EXPECT_EQ(text(value), printed("%d", value));
+    EXPECT_EQ(text(value), formed("%d", value));
     for (const int width : {-12, -3, 0, 1, 2, 4, 12, 300}) {
       EXPECT_EQ(text(ZmString::padded_int(value, width)),
-                printed("%0" + std::to_string(width) + "d", value));
+                formed("%0" + std::to_string(width) + "d", value));
       ZmString s("x");
       s.integervalue(value, width);
       s.integervalue(value, width, '*');
-      std::string digits = printed("%d", value);
+      std::string digits = formed("%d", value);
       while (static_cast<int>(digits.size()) < width) digits.insert(0, 1, '*');
       EXPECT_EQ(text(s), "x" + text(ZmString::padded_int(value, width)) + digits);
     }
@@ -238,7 +217,7 @@ TEST(ZmString, WritesNumbersAsPrintf) {
   for (const float value : {-0.0F, 1.5F, 0.0000005F, FLT_MAX, -FLT_MAX, -INFINITY, NAN}) {
     ZmString s("gone");
     s.floatvalue(value);
-    EXPECT_EQ(text(s), printed("%f", static_cast<double>(value)));
+    EXPECT_EQ(text(s), formed("%f", static_cast<double>(value)));
   }
   ZmString s(LLONG_MIN);
   for (const char c : {'\0', '\x0a', '\x7f', '\xff'}) s.hexvalue(c);
@@ -262,16 +241,18 @@ TEST(ZmString, SecureTextsAreWipedOnRelease) {
     }
   }
   // The smallest buffer: destroyed, and given up for a larger one.
+  constexpr std::string_view left = "cret";
   for (const bool grow : {false, true}) {
     alignas(ZmString) char place[sizeof(ZmString)] = {};
     auto* const s = new (place) ZmString;
     s->secure(1);
     s->copy("");
     s->append("secret-secret");
-    ASSERT_NE(std::search(place, std::end(place), "cret", "cret" + 4), std::end(place));
+    ASSERT_NE(std::search(place, std::end(place), left.begin(), left.end()), std::end(place));
     if (grow) s->append("more");
     if (!grow) s->~ZmString();
-    EXPECT_EQ(std::search(place, std::end(place), "cret", "cret" + 4), std::end(place)) << grow;
+    EXPECT_EQ(std::search(place, std::end(place), left.begin(), left.end()), std::end(place))
+        << grow;
     if (grow) s->~ZmString();
   }
   ZmString kept("secret");

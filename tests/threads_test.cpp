@@ -1,17 +1,13 @@
 // Objects share nothing, so that threads may work on their own at the same time: each gives what
 // one thread alone gives. ThreadSanitizer sees what the results don't show.
 
-#include <gtest/gtest.h>
-
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "ZmConfigFile.h"
 #include "ZmExpression.h"
 #include "ZmRange.h"
 #include "ZmStringHash.h"
-#include "ZmText.h"
+#include "ZmTest.h"
 
 namespace {
 
@@ -34,9 +30,7 @@ ZmString sections() {
 ZmString readers() {
   ZmConfigFile file;
   file.parse("[base]\nroot = /opt\n[node[001-040]] : base\nlog = \"${base.root}/${_}\"\n");
-  ZmString all;
-  for (const char* name : {"node001", "node040"}) all += file.config(name)->convert();
-  return all;
+  return file.config("node001")->convert() + file.config("node040")->convert();
 }
 
 ZmString expressions() {
@@ -50,14 +44,10 @@ ZmString expressions() {
 }
 
 ZmString packs() {
-  ZmConfig section;
+  ZmConfig section, read, again;
   section.option("a", "1");
-  section.pack();
-  ZmConfig read;
-  read.unpack(section.packContents(), section.packSize());
-  read.packXML();
-  ZmConfig again;
-  again.unpackXML(ZmString(read.packContents(), read.packSize()));
+  unpack(read, record(section));
+  unpackxml(again, xml(read));
   return again.convert();
 }
 

@@ -81,8 +81,7 @@ int explain_section(const std::string& file, const ZmConfigCheck& check, const Z
   for (int i = 0; i < section.length(); ++i) {
     const ZmConfigCheck::Origin origin = check.origin(section, i);
     output().write(file + ":" + std::to_string(origin.label.line) + ": " +
-                   section.label(i).value() + " = " + quoted(zm_view(section.value(i))) +
-                   "\n");
+                   section.label(i).value() + " = " + quoted(zm_view(section.value(i))) + "\n");
   }
   return 0;
 }

@@ -110,6 +110,7 @@ void ZmPack::store(int tag, ZmPack& value) {
   _lend(value);
   value.encode();
   _regain(value);
+  if (state_->used < from || !state_->buffer) return;  // it has dropped what was written
   zm_put_big_endian(state_->buffer + from - 4, state_->used - from);
 }
 

@@ -53,7 +53,7 @@ TEST_F(ZmConfigText, LoadsFiles) {
 TEST_F(ZmConfigText, FillsTemplates) {
   EXPECT_EQ(used(""), kRest + "threads = 8\ngreeting = \"a b\"\nscript = {x\ny}\n");
   checkcases("templates", [](const std::string& source) {
-    const std::string filled = used(source);
+    std::string filled = used(source);
     EXPECT_EQ(used(filled).find(kRest), std::string::npos) << filled;
     return filled;
   });

@@ -46,7 +46,7 @@ template <int kNotation>
 std::string parsed(const char* source) {
   ZmExpression expression;
   const unsigned char valid = expression.parse(source, kNotation);
-  const std::string tree = shown(&expression);
+  std::string tree = shown(&expression);
   if (!valid) return tree;
   const std::string value = evaluated(expression);
   EXPECT_EQ(evaluated(expression), value) << source;

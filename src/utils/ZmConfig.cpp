@@ -1,6 +1,7 @@
 #include "ZmConfig.h"
 
 #include <iostream>
+#include <memory>
 #include <utility>
 
 #include "ZmConfigOptionText.h"
@@ -90,13 +91,18 @@ int ZmConfig::_store(std::string_view label, ZmBaseHashTable::Hash hash, std::st
   const ZmBaseHashTable::Spot spot = table.locate(label, hash);
   const auto length = static_cast<int>(value.size());
   if (spot.found >= 0 && spot.found == spot.place) {
-    // Written over where it stands, as if it were replaced. But a secure text has to be wiped, a
-    // new empty one is undefined, and an equal label with other bytes behind a zero byte takes the
-    // place of the old one.
+    // Written over where it stands, as if it were replaced: an empty one is undefined, as a new
+    // one. But a secure text has to be wiped, and an equal label with other bytes behind a zero
+    // byte takes the place of the old one.
     auto* stored = static_cast<ZmString*>(table.value(spot.found));
-    if (stored && !stored->secure() && length > 0 && label.find('\0') == label.npos) {
+    if (stored && !stored->secure() && label.find('\0') == label.npos) {
+      if (length > 0) {
+        stored->_fit(value.data(), length);
+      } else {
+        std::destroy_at(stored);
+        std::construct_at(stored);
+      }
       stored->secure(secure);
-      stored->_fit(value.data(), length);
       return -1;
     }
   }

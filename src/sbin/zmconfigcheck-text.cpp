@@ -10,7 +10,11 @@ constexpr std::string_view kBold = "\33[1m", kRed = "\33[1;31m", kMagenta = "\33
 // A byte that has no place of its own on a screen: it goes on with a letter of more than one byte.
 bool goes_on(char c) { return (static_cast<unsigned char>(c) & 0xc0U) == 0x80; }
 
-char shown(char c) { return (c >= 0 && c < 32 && c != '\t') || c == 127 ? '?' : c; }
+// What a terminal might take for an order is shown as "?".
+char shown(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return (byte < 32 && c != '\t') || byte == 127 ? '?' : c;
+}
 
 }  // namespace
 

@@ -2,14 +2,17 @@
 
 #include "ZmConfigFile.h"
 
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <new>
 #include <stdexcept>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "ZmFile.h"
 #include "ZmParam.h"
-#include "ZmStringList.h"
 #include "ZmText.h"
 #include "zmconfigfile-help.h"
 
@@ -29,20 +32,18 @@ void print(const ZmConfig& section) {
   }
 }
 
-// The sections' own names, which go back to them.
-struct Names : ZmStringList {
-  ~Names() override { release(); }
-};
-
 void print(const ZmConfigFile& file) {
-  Names names;
-  file.sections().keys(names);
-  names.sort();
-  for (int i = 0; i < names.length(); ++i) {
+  const ZmConfigHash& held = file.sections();
+  std::vector<std::pair<std::string_view, const ZmConfig*>> sections;
+  sections.reserve(static_cast<std::size_t>(held.length()));
+  for (int i = 0; i < held.length(); ++i)
+    sections.emplace_back(zm_view(held.key(i)), held.value(i));
+  std::sort(sections.begin(), sections.end());
+  for (const auto& [name, section] : sections) {
     output().write('[');
-    output().write(zm_view(*names.get(i)));
+    output().write(name);
     output().write("]\n");
-    print(*file.config(*names.get(i)));
+    print(*section);
   }
 }
 

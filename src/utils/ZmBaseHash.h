@@ -76,6 +76,18 @@ class ZM_EXPORT ZmBaseHash {
     clear();
     table_.copy(other.table_, _copied);
   }
+
+  /// @name By position
+  /// Every pair, from 0 to length() - 1, in the order in which the keys were first set; no other
+  /// position may be asked for. Where a key has two entries, both are among them.
+  /// @{
+
+  int length() const { return table_.entries(); }                    ///< The number of pairs.
+  const ZmString& key(int i) const { return *table_.entry(i).key; }  ///< A key, lent.
+  /// Its value, lent; may be null.
+  T* value(int i) const { return static_cast<T*>(table_.entry(i).value); }
+  /// @}
+
   void clear() { table_.clear(_destroy); }    ///< Destroys all pairs; keeps the slots.
   void release() { table_.clear(nullptr); }   ///< Destroys the keys and forgets the values.
   void resize() { table_.resize(_destroy); }  ///< Grows the table; set() does so when it must.

@@ -132,7 +132,8 @@ ZmBaseHashTable::Spot ZmBaseHashTable::seek(const ZmBaseHashSlots& slots, Hash k
     return held.size() == sought.size() &&
            std::strncmp(held.data(), sought.data(), held.size()) == 0;
   };
-  Spot spot;
+  int found = kNowhere;
+  int place = kNowhere;
   for (int probe = 0; probe < probes(slots.size()); ++probe) {
     const auto at =
         static_cast<int>(slot(static_cast<std::uint32_t>(key_hash), probe, slots.size()));
@@ -140,16 +141,16 @@ ZmBaseHashTable::Spot ZmBaseHashTable::seek(const ZmBaseHashSlots& slots, Hash k
     if (!vacant && !holds(at)) continue;
     // A later slot may hold the same key once one before it was removed. A new entry still goes to
     // the first vacant slot, and is then the one that lookups find.
-    if (spot.place < 0) spot.place = at;
-    if (!vacant) spot.found = at;
+    if (place < 0) place = at;
+    if (!vacant) found = at;
     if (slots.mark(at) != ZmBaseHashSlots::kRemoved) break;
   }
-  return spot;
+  return {found, place};
 }
 
 ZmBaseHashTable::Spot ZmBaseHashTable::locate(std::string_view key, Hash key_hash) const {
-  Spot spot = seek(slots_, key_hash, [key] { return key; });
-  spot.known = spot.found >= 0 || (overflow_ && overflow_->contains(key));
+  const Spot spot = seek(slots_, key_hash, [key] { return key; });
+  if (!spot.known() && overflow_ && overflow_->contains(key)) return {kBeyond, spot.place};
   return spot;
 }
 
@@ -239,7 +240,7 @@ void ZmBaseHashTable::add(int at, const Entry& entry) {
 
 // Only where a slot is free and nothing can be replaced.
 bool ZmBaseHashTable::fill(const Spot& spot, void* value, ZmString* key, Hash key_hash) {
-  if (overflow_ || spot.place < 0 || spot.known) return false;
+  if (overflow_ || spot.place < 0 || spot.known()) return false;
   add(spot.place, {key, value, key_hash});
   return true;
 }
@@ -256,7 +257,7 @@ bool ZmBaseHashTable::set(void* value, ZmString* key, Hash key_hash, Destroy des
       return true;
     }
   }
-  Spot spot;
+  Spot spot{};
   while ((spot = locate(text, key_hash)).place < 0 && resize(destroy)) {
   }
   if (spot.place < 0 || !slots_.occupied(spot.place)) {

@@ -71,6 +71,8 @@ class ZM_EXPORT ZmBaseHashTable {
   ~ZmBaseHashTable();  // clear() first
 
   static Hash hash(std::string_view key);
+  // Whether the key that this is the hash of has a zero byte: others may then be equal to it.
+  static bool haszero(Hash hash) { return hash >> 32 == ZmBaseHashSlots::kZero; }
 
   int count() const { return count_; }
   int entries() const { return static_cast<int>(live_); }
@@ -85,11 +87,13 @@ class ZM_EXPORT ZmBaseHashTable {
     if (gaps()) renumber();
     return entries_[i];
   }
-  // Where a key is and where set() would put it, as slots; -1: nowhere.
+  // Where a key is and where set() would put it: slots, or one of these.
+  static constexpr int kNowhere = -1, kBeyond = -2;  // kBeyond: in the overflow
   struct Spot {
-    int found = -1;
-    int place = -1;
-    bool known = false;  // found, or held in the overflow
+    int found;
+    int place;
+
+    bool known() const { return found != kNowhere; }
   };
   Spot locate(std::string_view key, Hash key_hash) const;
   void* value(int at) const { return entries_[slots_.number(at)].value; }

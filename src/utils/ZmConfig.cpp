@@ -67,8 +67,7 @@ const ZmString& ZmConfig::option(const ZmString& label) const {
 
 // Null when the label order lists a label that the options lack, as a record may have it.
 ZmString* ZmConfig::_valueat(int i) const {
-  if (labels_) return options_.get(*labels_->get(i));
-  return static_cast<ZmString*>(options_._table().entry(i).value);
+  return labels_ ? options_.get(*labels_->get(i)) : options_.value(i);
 }
 
 const ZmString& ZmConfig::value(int i) const {
@@ -95,7 +94,7 @@ int ZmConfig::_store(std::string_view label, ZmBaseHashTable::Hash hash, std::st
     // one. But a secure text has to be wiped, and an equal label with other bytes behind a zero
     // byte takes the place of the old one.
     auto* stored = static_cast<ZmString*>(table.value(spot.found));
-    if (stored && !stored->secure() && label.find('\0') == label.npos) {
+    if (stored && !stored->secure() && !ZmBaseHashTable::haszero(hash)) {
       if (length > 0) {
         stored->_fit(value.data(), length);
       } else {
@@ -116,16 +115,15 @@ int ZmConfig::_store(std::string_view label, ZmBaseHashTable::Hash hash, std::st
 // that it lacks, and what throws before leaves it as it was.
 int ZmConfig::_add(const ZmBaseHashTable::Spot& spot, ZmBaseHashTable::Hash hash,
                    ZmOwned<ZmString> key, ZmOwned<ZmString> value) {
-  const std::string_view label = zm_view(*key);
   const bool hidden = spot.found >= 0 && spot.found != spot.place;
-  if (hidden || label.find('\0') != label.npos) _list();
-  ZmOwned<ZmString> listed(spot.known || !labels_ ? nullptr : ZmString::_exact(*key));
+  if (hidden || ZmBaseHashTable::haszero(hash)) _list();
+  ZmOwned<ZmString> listed(spot.known() || !labels_ ? nullptr : ZmString::_exact(*key));
   if (!options_._table().fill(spot, value.get(), key.get(), hash))
     options_._set(value.get(), key.get(), hash);
   value.release();
   key.release();
   if (listed) labels_->_push(listed.release());
-  return spot.known ? -1 : length() - 1;
+  return spot.known() ? -1 : length() - 1;
 }
 
 const ZmString* ZmConfig::_find(std::string_view label) const {

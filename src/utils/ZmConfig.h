@@ -104,10 +104,11 @@ class ZM_EXPORT ZmConfig : public ZmPack {
   /// @{
 
   /// The number of labels.
-  int length() const { return labels_ ? labels_->length() : options_._table().entries(); }
+  int length() const { return labels_ ? labels_->length() : options_.length(); }
   /// The label, lent until the next change.
   const ZmString& label(int i) const {
-    const ZmString* label = labels_ ? labels_->get(i) : options_._table().entry(i).key;
+    if (!labels_) return options_.key(i);
+    const ZmString* label = labels_->get(i);
     return label ? *label : zm_no_text();
   }
   const ZmString& value(int i) const;  ///< Its value, lent as by option().

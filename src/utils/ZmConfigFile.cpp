@@ -19,7 +19,7 @@ int ZmConfigFile::type() const { return 80; }
 void ZmConfigFile::parse(const ZmString& text) {
   // The text may be an option of a section here, which reading it can change.
   std::string own;
-  if (sections_._table().entries() > 0) own = zm_view(text);
+  if (sections_.length() > 0) own = zm_view(text);
   const std::string_view source = own.empty() ? zm_view(text) : own;
   ZmConfigReader(sections_, default_section_, lowercase_ != 0, source).run();
 }

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr ZmCharSet kBlank(" \t"), kSign("\n:[]=\r}\\"), kWordStop(" \t\"\n:[]=\r{}\\#");
+constexpr ZmCharSet kBlank(" \t"), kWordStop(" \t\"\n:[]=\r{}\\#");
 
 // In blocks of a fixed size and without branches: the compiler takes many bytes at a time.
 bool allkept(std::string_view text) {
@@ -48,16 +48,16 @@ bool ZmConfigScanner::next(ZmConfigToken& token) {
     token.text = {};
     return blank;  // blanks at the very end make one empty token
   }
+  token.text = in_.until(kWordStop);
+  if (!token.text.empty()) return true;
   if (in_.accept('{')) {
     token.text = braced();
   } else if (in_.is('"')) {
     token.text = in_.take();
     content_ = {quoted(), token.offset + 1};
     pending_ = Pending::kContent;
-  } else if (kSign.has(in_.peek())) {
-    token.text = in_.take();
   } else {
-    token.text = in_.until(kWordStop);
+    token.text = in_.take();  // a sign
   }
   return true;
 }

@@ -85,10 +85,10 @@ class ZM_EXPORT ZmPack : public ZmBase {
   int unpack(const char* data, int length);
   /// Packs into a file and empties the buffer. The number of bytes written, or 0 when the file
   /// can't be opened or closed. A full disk takes fewer bytes than the record has: pack() first,
-  /// and compare with packSize().
+  /// and compare with packSize(). Waits for the reader of a pipe.
   int archive(const ZmString& path);
-  /// Unpacks a file. The number of bytes read, or 0 when it is no readable regular file or
-  /// unpack() failed.
+  /// Unpacks a file. The number of bytes read, or 0 when it is no readable regular file (never a
+  /// pipe) or unpack() failed. One of 2,147,483,647 bytes or more throws std::bad_alloc.
   int recover(const ZmString& path);
   void _debug_print() const;  ///< Prints the buffer in hexadecimal on standard output.
   /// @}
@@ -109,6 +109,8 @@ class ZM_EXPORT ZmPack : public ZmBase {
   /// @}
 
   /// @name Fields, for encode()
+  /// A record has room for 16 bits of a tag, so tags are -32768 to 32767. Of any other the low 16
+  /// bits are stored, and restore() never takes the field.
   /// @{
   void store(int tag, int value);              ///< Type code 1.
   void store(int tag, char value);             ///< Type code 2.

@@ -74,7 +74,7 @@ class ZM_EXPORT ZmPack : public ZmBase {
 
   /// @name Binary records
   /// @{
-  void pack();  ///< Makes the object's record in the buffer.
+  void pack();  ///< Makes the object's record in the buffer, which is empty when this throws.
   /// The record made by pack(), packSize() bytes, lent until the next change; null when empty.
   const char* packContents() const {
     return state_ ? reinterpret_cast<const char*>(state_->buffer) : nullptr;
@@ -246,9 +246,25 @@ class ZM_EXPORT ZmPack : public ZmBase {
   void _fields();                      // decode() for each field, then yank
   void _decodeXML(ZmPackObj& element);
   void _restoreItem(ZmPackObj& item, ZmPack& value);
-  // A nested object works with this one's state, between the two.
-  void _lend(ZmPack& value);
-  void _regain(ZmPack& value);
+  // Lets a nested object work with the state of the one around it, for as long as this lives.
+  class Loan {
+   public:
+    Loan(ZmPack& from, ZmPack& to);
+    ~Loan();
+
+   private:
+    ZmPack& from_;
+    ZmPack& to_;
+  };
+  // Empties the buffer at its end, unless what it is to hold is finished.
+  struct Unfinished {
+    ~Unfinished() {
+      if (!finished) pack._clear();
+    }
+
+    ZmPack& pack;
+    bool finished = false;
+  };
 
   struct Writer;  // of XML
   ZmPackObj* _xml() const { return state_ ? state_->at.element : nullptr; }

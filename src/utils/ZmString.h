@@ -109,6 +109,8 @@ class ZM_EXPORT ZmString : public ZmBase {
     secure_ = other.secure_;
     _fit(other.value(), other.length_);
   }
+  /// The two change places, flags and buffers included. Takes no memory.
+  void _swap(ZmString& other) noexcept;
   /// A new string of n bytes, without room to grow; undefined when n <= 0. The caller owns it.
   static ZmString* _exact(const char* s, int n);
   /// A copy likewise.

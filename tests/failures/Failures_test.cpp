@@ -194,25 +194,44 @@ std::string run(ZmFile& file) {
 
 // For whatever can be packed.
 template <class Pack>
-std::string use(Pack& pack) {
+std::string again(Pack& pack) {
   Pack fresh;
   fill(fresh);
-  pack.copy(fresh);
+  if constexpr (requires { pack.resize(); }) keys(pack);  // a hash
+  if constexpr (requires { pack.copy(fresh); }) {
+    pack.copy(fresh);
+  } else {
+    fill(pack);
+  }
   return record(pack) + xml(pack);
 }
-std::string use(ZmFile& file) {
-  fill(file);
-  return record(file) + xml(file);
+template <class Pack>
+std::string use(Pack& pack) {
+  return again(pack);
+}
+std::string use(ZmConfig& config) {
+  held(config);
+  return again(config);
+}
+std::string use(ZmFile& file) {  // which is the old one or the new one
+  EXPECT_TRUE(file.source() != kLong || (file.name() == kLong && file.data() == kLong));
+  return again(file);
 }
 
 template <class Pack>
 struct Packed : Pack {};  // tried for what all packs do
 template <class Pack>
 std::string use(Packed<Pack>& pack) {
-  return use(static_cast<Pack&>(pack));
+  return again(static_cast<Pack&>(pack));
 }
 template <class Pack>
 std::string run(Packed<Pack>& pack) {
+  try {
+    pack.pack();
+  } catch (const std::bad_alloc&) {
+    EXPECT_EQ(pack.packSize(), 0);
+    throw;
+  }
   const std::string binary = record(pack), marked = xml(pack);
   Pack other;
   EXPECT_EQ(unpack(other, binary), 0);
@@ -309,9 +328,13 @@ std::string run(ZmExpression& tree) {
   ZmExpression::split("a, {b, a much longer token than others}", hash);
   ZmString left, right;
   ZmExpression::splitequal(kLong + ZmString("=") + kLong, left, right);
+  ZmExpression leaf;
+  leaf.name(kLong);
+  tree.copy(leaf);
   return joined(out) + keys(hash) + text(called.a()->name() + valued.a()->name() + left + right);
 }
 std::string use(ZmExpression& tree) {
+  EXPECT_NE(tree.op().length() > 0, tree.name().length() > 0);
   tree.copy(ZmExpression());
   tree.parse("1 + 2 * max", 0);
   ZmScalar result;

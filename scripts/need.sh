@@ -32,7 +32,7 @@ need() {
     echo "Installing:$_missing" >&2
     _said=$($_sudo sh -c "apt-get -qq update; export DEBIAN_FRONTEND=noninteractive
       apt-get -qq install -y --no-install-recommends $_missing" </dev/null 2>&1) && return 0
-    printf '%s\n' "$_said" >&2
+    [ -z "$_said" ] || printf '%s\n' "$_said" >&2
   fi
   echo "Some packages are missing. Run this as root, then try again:" >&2
   echo "  apt-get update && apt-get install -y --no-install-recommends$_missing" >&2

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstdio>
+#include <exception>
 #include <iostream>
 #include <memory>
 #include <new>
@@ -132,6 +133,8 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Destructors of the JSON library take memory. What they throw can't be caught below.
+  std::set_terminate([] { fail("out of memory"); });
   try {
     finish(run(argc, argv));
   } catch (const std::bad_alloc&) {

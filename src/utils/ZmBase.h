@@ -1,10 +1,6 @@
 #ifndef ZM_BASE_H
 #define ZM_BASE_H
 
-#if __cplusplus <= 201703L
-#error "libZmApi needs C++20: compile with -std=c++20"
-#endif
-
 #include "ZmExport.h"
 
 /// The root of the value classes: no data, and a virtual destructor so that containers can destroy

@@ -1,6 +1,7 @@
 #ifndef ZM_BASE_HASH_H
 #define ZM_BASE_HASH_H
 
+#include <new>
 #include <type_traits>
 
 #include "ZmBaseHashTable.h"
@@ -15,13 +16,19 @@
 /// follows hash values and table size, so callers that need an order sort.
 ///
 /// The table starts with 17 slots and never shrinks; it grows to four times its size, one and a
-/// random 0 to 99 (rand()) when the places of a new key are all taken. T has a default constructor,
-/// a virtual destructor and copy(const T&). One thread at a time.
+/// random 0 to 99 (rand()) when the places of a new key are all taken. Where no growth would help,
+/// for some thirty keys of one hash value, the pair is kept outside the slots: it is found as any
+/// other, and listed last, such keys in the order of their bytes.
+///
+/// What finds no memory throws std::bad_alloc: set() then takes nothing, and a hash that was to
+/// become a copy is empty. T has a default constructor, a virtual destructor and copy(const T&).
+/// One thread at a time.
 template <class T>
 class ZM_EXPORT ZmBaseHash {
  public:
-  ZmBaseHash() = default;                               ///< Empty, 17 slots.
-  ZmBaseHash(const ZmBaseHash& other) { copy(other); }  ///< A deep copy.
+  ZmBaseHash() = default;  ///< Empty, 17 slots.
+  /// A deep copy.
+  ZmBaseHash(const ZmBaseHash& other) : ZmBaseHash() { copy(other); }
   /// copy(other).
   ZmBaseHash& operator=(const ZmBaseHash& other) {
     copy(other);
@@ -58,9 +65,12 @@ class ZM_EXPORT ZmBaseHash {
   /// The value stored under the key, now the caller's; null when there is none.
   T* remove(const ZmString& key) { return static_cast<T*>(table_.remove(key)); }
   /// Clears the list, then lends it the hash's own keys: empty it with release(), never clear().
+  /// The list is empty when this throws.
   void keys(ZmBaseList<ZmString>& out) const {
     out.clear();
-    table_.each([&out](const ZmBaseHashTable::Entry& entry) { out.push(entry.key); });
+    table_.each([&out](const ZmBaseHashTable::Entry& entry) {
+      if (!out.push(entry.key)) throw std::bad_alloc();
+    });
   }
   /// Clears the list, then gives it copies of the keys.
   void copykeys(ZmBaseList<ZmString>& out) const {
@@ -74,7 +84,7 @@ class ZM_EXPORT ZmBaseHash {
   void copy(const ZmBaseHash& other) {
     if (this == &other) return;
     clear();
-    table_.copy(other.table_, _copied);
+    table_.copy(other.table_, _copied, _destroy);
   }
 
   /// @name By position

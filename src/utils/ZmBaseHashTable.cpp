@@ -350,7 +350,17 @@ void ZmBaseHashTable::clear(Destroy destroy) {
   count_ = 0;
 }
 
-void ZmBaseHashTable::copy(const ZmBaseHashTable& other, void* (*copy_value)(const void*)) {
+void ZmBaseHashTable::copy(const ZmBaseHashTable& other, void* (*copy_value)(const void*),
+                           Destroy destroy) {
+  try {
+    fill(other, copy_value);
+  } catch (...) {
+    clear(destroy);
+    throw;
+  }
+}
+
+void ZmBaseHashTable::fill(const ZmBaseHashTable& other, void* (*copy_value)(const void*)) {
   if (other.gaps()) other.renumber();
   // Every entry keeps its slot. A removed slot becomes an empty one, so what was placed beyond it
   // is listed and no longer found.

@@ -108,8 +108,8 @@ class ZM_EXPORT ZmBaseHashTable {
   bool resize(Destroy destroy);  // false: the growth is not made
   void clear(Destroy destroy);   // in the order of entries; a null destroy forgets the values
   // Takes the size, count and keys of the other table; each value is made by copy(its value).
-  // This table must be clear.
-  void copy(const ZmBaseHashTable& other, void* (*copy_value)(const void*));
+  // This table must be clear, and is again when it throws.
+  void copy(const ZmBaseHashTable& other, void* (*copy_value)(const void*), Destroy destroy);
   // Whether a copy may hold entries that it does not find: those beyond a removed one.
   bool anyremoved() const { return slots_.anyremoved(); }
 
@@ -149,6 +149,7 @@ class ZM_EXPORT ZmBaseHashTable {
   bool refill(Growth& to) const;
   bool refused(long long size) const;
   void take(Growth& to, Destroy destroy);
+  void fill(const ZmBaseHashTable& other, void* (*copy_value)(const void*));
 
   // In the order in which keys were first set; an entry that is removed becomes a gap until the
   // next renumber(), which changes nothing that shows, so it may run in const operations. The last

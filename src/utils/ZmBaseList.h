@@ -15,15 +15,16 @@
 ///
 /// push() tells of missing memory by its result. Copying throws std::bad_alloc when there is none
 /// for an element, and passes on what T's copy() throws; the list then holds the copies made so
-/// far. A Compare may not throw. One thread at a time.
+/// far. Nothing else throws; a Compare may not. One thread at a time.
 template <class T>
 class ZM_EXPORT ZmBaseList {
  public:
   /// Less than, equal to or greater than 0, as strcmp.
   using Compare = int (*)(const T*, const T*);
 
-  ZmBaseList() = default;                               ///< Empty, without slots.
-  ZmBaseList(const ZmBaseList& other) { copy(other); }  ///< A deep copy.
+  ZmBaseList() = default;  ///< Empty, without slots.
+  /// A deep copy.
+  ZmBaseList(const ZmBaseList& other) : ZmBaseList() { copy(other); }
   /// copy(other).
   ZmBaseList& operator=(const ZmBaseList& other) {
     copy(other);
@@ -36,11 +37,16 @@ class ZM_EXPORT ZmBaseList {
   /// Takes ownership. 0 when no memory could be had: the elements held so far are then lost and the
   /// list is empty; the caller still owns the object.
   unsigned char push(T* object) { return array_.push(object); }
-  /// The same; but where push() gives 0 the object is destroyed and std::bad_alloc thrown.
+  /// Takes ownership; when no memory could be had the list stays as it was, the object is destroyed
+  /// and std::bad_alloc thrown.
   void _push(T* object) {
-    if (push(object)) return;
-    delete object;
-    throw std::bad_alloc();
+    ZmOwned<T> owned(object);
+    _room();
+    push(owned.release());
+  }
+  /// Makes sure of the room for one more; else throws std::bad_alloc, with the list as it was.
+  void _room() {
+    if (!array_.room()) throw std::bad_alloc();
   }
   T* pop() { return static_cast<T*>(array_.pop()); }        ///< The last element, now the caller's.
   T* top() const { return static_cast<T*>(array_.top()); }  ///< The last element, lent.

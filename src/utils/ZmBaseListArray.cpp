@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -17,16 +18,17 @@ bool ZmBaseListArray::grow() {
   if (capacity_ > (INT_MAX - 1) / 2) return false;
   const int capacity = capacity_ * 2 + 1;
   void** items = new (std::nothrow) void*[static_cast<std::size_t>(capacity)];
-  if (items && last_ >= first_) std::memcpy(items + first_, items_ + first_, bytes(length()));
-  delete[] items_;
-  items_ = items;
-  if (items) {
-    capacity_ = capacity;
-  } else {
-    capacity_ = 0;
-    release();
-  }
-  return items != nullptr;
+  if (!items) return false;
+  if (last_ >= first_) std::memcpy(items + first_, items_ + first_, bytes(length()));
+  delete[] std::exchange(items_, items);
+  capacity_ = capacity;
+  return true;
+}
+
+void ZmBaseListArray::lose() {
+  delete[] std::exchange(items_, nullptr);
+  capacity_ = 0;
+  release();
 }
 
 void* ZmBaseListArray::remove(int i) {

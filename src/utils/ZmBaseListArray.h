@@ -16,9 +16,14 @@ class ZM_EXPORT ZmBaseListArray {
   int length() const { return last_ - first_ + 1; }
   // Null outside 0..length()-1.
   void* get(int i) const { return i < 0 || i > last_ - first_ ? nullptr : items_[first_ + i]; }
+  // Whether there is room for one more now; nothing changes when no larger array can be had.
+  bool room() { return last_ + 1 < capacity_ || grow(); }
   // False when no larger array can be had; the elements held so far are then lost.
   bool push(void* item) {
-    if (last_ + 1 >= capacity_ && !grow()) return false;
+    if (!room()) {
+      lose();
+      return false;
+    }
     items_[++last_] = item;
     return true;
   }
@@ -35,6 +40,7 @@ class ZM_EXPORT ZmBaseListArray {
 
  private:
   bool grow();  // to twice the slots and one more
+  void lose();
 
   void** items_ = nullptr;
   int capacity_ = 0;  // slots

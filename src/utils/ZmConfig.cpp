@@ -33,13 +33,15 @@ ZmConfig::ZmConfig(const ZmConfig& other) : ZmPack(other) { copy(other); }
 // section has one, or where the copy may hold entries that its lookups don't find.
 void ZmConfig::copy(const ZmConfig& other) {
   if (this == &other) return;
+  ZmOwned<ZmStringList> labels;
+  if (other.labels_ || other.options_._table().anyremoved())
+    labels.reset(new ZmStringList(other.optionlist()));
   address_ = other.address_;
   name_._fit(other.name_);
+  labels_.reset();  // first: without it there are no labels but those of options
   options_ = other.options_;
-  labels_.reset();
-  if (!other.labels_ && !other.options_._table().anyremoved()) return;
-  labels_.reset(new ZmStringList(other.optionlist()));
-  if (labels_->length() < 1) options_.copykeys(*labels_);
+  if (labels && labels->length() < 1) options_.copykeys(*labels);
+  labels_ = std::move(labels);
 }
 
 // From here on the label order is kept apart from the options.

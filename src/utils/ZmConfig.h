@@ -45,7 +45,9 @@ class ZM_EXPORT ZmConfig : public ZmPack {
   /// @name Options
   /// @{
 
-  /// The value, lent until the label is next set or removed; an empty text when it is absent.
+  /// The value; an empty text when the label is absent. Lent until the label is next set or removed
+  /// (inherit() and texts set labels, too), the section becomes a copy or is unpacked into, or the
+  /// ZmConfigFile that has it reads on: parse() puts the expanded text into the same place.
   const ZmString& option(const ZmString& label) const;
   /// Sets the value. A new label goes to the end of the label order; a known one keeps its place.
   void option(const ZmString& label, const ZmString& value);

@@ -219,7 +219,10 @@ ZmConfigReader::Target ZmConfigReader::section(const ZmString& name) {
   auto config = std::make_unique<ZmConfig>();
   config->name(name);
   ZmConfig* made = config.get();
-  sections_._set(config.release(), ZmString::_exact(name), hash);
+  ZmOwned<ZmString> key(ZmString::_exact(name));
+  sections_._set(made, key.get(), hash);  // takes nothing when it throws
+  static_cast<void>(config.release());
+  key.release();
   created_.push_back(made);
   if (observer_) observer_->section(*made, true);
   return {made, created_.size() - 1};

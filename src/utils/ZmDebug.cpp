@@ -117,8 +117,8 @@ int zm_debug_verb() { return verbosity; }
 void zm_debug_verbosity(int mask) { verbosity = mask; }
 
 void zm_debug_filename(const ZmString& name, int mode) {
+  zm_debug_obj().filename(name);  // first: it may throw
   zm_debug_obj().mode(mode);
-  zm_debug_obj().filename(name);
 }
 
 void zm_debug_logfiles(const ZmString& base, ZmStringList& list) {

@@ -1,6 +1,10 @@
 #ifndef ZM_EXPORT_H
 #define ZM_EXPORT_H
 
+#if __cplusplus <= 201703L
+#error "libZmApi needs C++20: compile with -std=c++20"
+#endif
+
 /// @file
 /// What the shared library shows.
 

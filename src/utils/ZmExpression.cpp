@@ -83,13 +83,13 @@ void ZmExpression::copy(const ZmExpression& other) {
     if (from->a_) pending.push({from->a_, to->a_ = new ZmExpression});
     if (from->b_) pending.push({from->b_, to->b_ = new ZmExpression});
   }
-  op_ = tree.op_;
-  value_ = tree.value_;
-  name_ = tree.name_;
+  // What was held here goes with the temporary. Nothing fails from here on.
+  op_._swap(tree.op_);
+  value_._swap(tree.value_);
+  name_._swap(tree.name_);
   cache_ = tree.cache_;
   valuereq_ = tree.valuereq_;
   validreq_ = tree.validreq_;
-  // What was held here goes with the temporary.
   std::swap(a_, tree.a_);
   std::swap(b_, tree.b_);
   std::swap(reference_, tree.reference_);

@@ -113,11 +113,11 @@ void ZmExpression::Builder::postfix(std::string_view token) {
 bool ZmExpression::Builder::finish() {
   if (operands_.empty()) return false;
   ZmExpression& first = *operands_.front();
-  root_.op_ = first.op_;
+  root_.op_._swap(first.op_);
   root_.a_ = std::exchange(first.a_, nullptr);
   root_.b_ = std::exchange(first.b_, nullptr);
-  root_.value_ = first.value_;
-  root_.name_ = first.name_;
+  root_.value_._swap(first.value_);
+  root_.name_._swap(first.name_);
   root_.cache_ = {first.cache_.op, {}};
   return operands_.size() == 1 && !missing_;
 }

@@ -72,9 +72,10 @@ void ZmFile::decodeXML() {
 void ZmFile::read(const ZmString& path) {
   ZmString source;
   source = path;  // a copy: the path may be one of the members
+  ZmString name = filename(source);
   if (!zm_read_file(source, data_)) return;
-  name_ = filename(source);
-  source_ = source;
+  name_._swap(name);  // from here on nothing fails
+  source_._swap(source);
 }
 
 ZmString ZmFile::load(const ZmString& path) {

@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <climits>
 #include <new>
-#include <utility>
 
 namespace {
 
@@ -70,8 +69,6 @@ bool zm_read_file(const ZmString& path, ZmString& text) {
     if (n > 0) whole.length_ += static_cast<int>(n);
   } while (n > 0 && whole.length_ != status.st_size);
   whole._text()[whole.length_] = 0;
-  std::swap(text.buffer_, whole.buffer_);
-  std::swap(text.length_, whole.length_);
-  std::swap(text.place_, whole.place_);
+  text._swap(whole);
   return true;
 }

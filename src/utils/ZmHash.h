@@ -10,8 +10,11 @@
 ///
 /// Its record: tag 1, int, the number of entries; then for each entry in key order of the hash tag
 /// 10, text, the key, and tag 30 the value, a text for strings and a nested pack for pack-derived
-/// values. Unpacking sets what the record holds on top of what the hash holds. A record has every
-/// entry: of two of one key it may bring back the one that lookups did not find. The XML form has
+/// values. The number may be too high, by the entries that a growth had placed before it had to
+/// start anew: who reads takes what follows, up to that number.
+///
+/// Unpacking sets what the record holds on top of what the hash holds. A record has every entry: of
+/// two of one key (see set()) it may bring back the one that lookups did not find. The XML form has
 /// those that get() finds: one "item" element each, with the key, sorted by the keys' bytes.
 template <class T>
 class ZM_EXPORT ZmHash : public ZmBaseHash<T>, public ZmPack {

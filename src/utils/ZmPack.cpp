@@ -32,14 +32,15 @@ ZmPack::State& ZmPack::_state() {
   return *state_;
 }
 
-void ZmPack::_lend(ZmPack& value) {
-  value.state_ = std::move(state_);
-  ++value.state_->depth;
+ZmPack::Loan::Loan(ZmPack& from, ZmPack& to) : from_(from), to_(to) {
+  to_.state_ = std::move(from_.state_);
+  ++to_.state_->depth;
 }
 
-void ZmPack::_regain(ZmPack& value) {
-  state_ = std::move(value.state_);
-  --_state().depth;  // the object may have dropped it
+// The object may have dropped what it was lent.
+ZmPack::Loan::~Loan() {
+  from_.state_ = std::move(to_.state_);
+  if (from_.state_) --from_.state_->depth;
 }
 
 // --- writing ---
@@ -107,10 +108,11 @@ void ZmPack::store(int tag, ZmPack& value) {
   // The length is not known yet; its place is filled in when the fields are there.
   zm_put_big_endian(_field(tag, kNested, 8), value.type());
   const int from = state_->used;
-  _lend(value);
-  value.encode();
-  _regain(value);
-  if (state_->used < from || !state_->buffer) return;  // it has dropped what was written
+  {
+    const Loan loan(*this, value);
+    value.encode();
+  }
+  if (_state().used < from || !state_->buffer) return;  // it has dropped what was written
   zm_put_big_endian(state_->buffer + from - 4, state_->used - from);
 }
 
@@ -127,9 +129,11 @@ void ZmPack::_debug_print() const {
 }
 
 void ZmPack::pack() {
+  Unfinished record{*this};
   _state().used = 0;  // the room of the record before serves again
   zm_put_big_endian(_room(4), kVersion);
   encode();
+  record.finished = true;
 }
 
 int ZmPack::archive(const ZmString& path) {
@@ -152,9 +156,9 @@ int ZmPack::unpack(const char* data, int length) {
   const auto* bytes = reinterpret_cast<const unsigned char*>(data);
   if (zm_get_big_endian<int>(bytes) != kVersion) return 3;  // a lone one too
   if (length == 4) return 2;
+  const Unfinished reading{*this};
   _state().at = {bytes + 4, length - 4};
   _fields();
-  _clear();
   return 0;
 }
 
@@ -233,10 +237,11 @@ void ZmPack::restore(int tag, ZmPack& value) {
   state_->at.consumed = fields != nullptr;
   if (!fields) return;
   const Place behind = std::exchange(state_->at, {fields, length});
-  _lend(value);
-  value._fields();
-  _regain(value);
-  state_->at = behind;
+  {
+    const Loan loan(*this, value);
+    value._fields();
+  }
+  _state().at = behind;
 }
 
 // Looks ahead without taking anything: a container is emptied for a record only if that is sound.

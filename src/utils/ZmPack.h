@@ -74,7 +74,7 @@ class ZM_EXPORT ZmPack : public ZmBase {
 
   /// @name Binary records
   /// @{
-  void pack();  ///< Makes the object's record in the buffer.
+  void pack();  ///< Makes the object's record in the buffer, which is empty when this throws.
   /// The record made by pack(), packSize() bytes, lent until the next change; null when empty.
   const char* packContents() const {
     return state_ ? reinterpret_cast<const char*>(state_->buffer) : nullptr;
@@ -85,10 +85,10 @@ class ZM_EXPORT ZmPack : public ZmBase {
   int unpack(const char* data, int length);
   /// Packs into a file and empties the buffer. The number of bytes written, or 0 when the file
   /// can't be opened or closed. A full disk takes fewer bytes than the record has: pack() first,
-  /// and compare with packSize().
+  /// and compare with packSize(). Waits for the reader of a pipe.
   int archive(const ZmString& path);
-  /// Unpacks a file. The number of bytes read, or 0 when it is no readable regular file or
-  /// unpack() failed.
+  /// Unpacks a file. The number of bytes read, or 0 when it is no readable regular file (never a
+  /// pipe) or unpack() failed. One of 2,147,483,647 bytes or more throws std::bad_alloc.
   int recover(const ZmString& path);
   void _debug_print() const;  ///< Prints the buffer in hexadecimal on standard output.
   /// @}
@@ -109,6 +109,8 @@ class ZM_EXPORT ZmPack : public ZmBase {
   /// @}
 
   /// @name Fields, for encode()
+  /// A record has room for 16 bits of a tag, so tags are -32768 to 32767. Of any other the low 16
+  /// bits are stored, and restore() never takes the field.
   /// @{
   void store(int tag, int value);              ///< Type code 1.
   void store(int tag, char value);             ///< Type code 2.
@@ -244,9 +246,25 @@ class ZM_EXPORT ZmPack : public ZmBase {
   void _fields();                      // decode() for each field, then yank
   void _decodeXML(ZmPackObj& element);
   void _restoreItem(ZmPackObj& item, ZmPack& value);
-  // A nested object works with this one's state, between the two.
-  void _lend(ZmPack& value);
-  void _regain(ZmPack& value);
+  // Lets a nested object work with the state of the one around it, for as long as this lives.
+  class Loan {
+   public:
+    Loan(ZmPack& from, ZmPack& to);
+    ~Loan();
+
+   private:
+    ZmPack& from_;
+    ZmPack& to_;
+  };
+  // Empties the buffer at its end, unless what it is to hold is finished.
+  struct Unfinished {
+    ~Unfinished() {
+      if (!finished) pack._clear();
+    }
+
+    ZmPack& pack;
+    bool finished = false;
+  };
 
   struct Writer;  // of XML
   ZmPackObj* _xml() const { return state_ ? state_->at.element : nullptr; }

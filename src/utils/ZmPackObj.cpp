@@ -16,19 +16,25 @@ constexpr int kFew = 8;  // so few elements, or searches among many, go without 
 
 ZmPackObj::~ZmPackObj() { _clear(); }
 
+// Needs neither recursion nor memory: an element is gone into once it is off the list around it,
+// which then has room to note the way back.
 void ZmPackObj::_clear() {
-  if (!inside_) return;
-  _forget();
-  // The list takes over what its elements hold, and theirs in turn: deletion goes one level deep.
-  for (int i = 0; i < inside_->length(); ++i) {
-    const std::unique_ptr<ZmPackObj> element(inside_->get(i));
-    if (!element->inside_) continue;
-    element->_forget();
-    for (int j = 0; j < element->length(); ++j) inside_->push(element->get(j));
-    element->inside_->release();
+  ZmPackObj* around = nullptr;
+  for (ZmPackObj* at = this;;) {
+    at->_forget();
+    ZmPackObj* const element = at->inside_ ? at->inside_->pop() : nullptr;
+    if (element && element->inside_) {
+      at->inside_->push(std::exchange(around, at));
+      at = element;
+    } else if (element) {
+      delete element;
+    } else {
+      delete std::exchange(at->inside_, nullptr);
+      if (!around) return;
+      delete std::exchange(at, around);
+      around = at->inside_->pop();
+    }
   }
-  inside_->release();
-  delete std::exchange(inside_, nullptr);
 }
 
 void ZmPackObj::_forget() const {
@@ -49,9 +55,10 @@ void ZmPackObj::copy(const ZmPackObj& other) {
     if (from->key_) to->key_ = std::make_unique<ZmString>(*from->key_);
     if (from->text_) to->text_ = std::make_unique<ZmString>(*from->text_);
     for (int i = 0; i < from->length(); ++i) {
-      auto* element = new ZmPackObj;
-      to->push(element);
-      open.emplace_back(from->get(i), element);
+      auto element = std::make_unique<ZmPackObj>();
+      open.emplace_back(from->get(i), element.get());
+      to->push(element.get());
+      static_cast<void>(element.release());
     }
   }
   _clear();
@@ -92,6 +99,7 @@ void ZmPackObj::push(ZmPackObj* element) {
   if (!element) return;
   _forget();  // the index lacks the new element
   if (!inside_) inside_ = new ZmPackObjList;
-  if (!inside_->push(element)) throw std::bad_alloc();
+  inside_->_room();
+  inside_->push(element);
   text_.reset();
 }

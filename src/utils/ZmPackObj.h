@@ -49,7 +49,8 @@ class ZM_EXPORT ZmPackObj : public ZmBase {
   void text(std::unique_ptr<ZmString> text);        ///< Sets the text; null: none.
   std::unique_ptr<ZmString> takekey();              ///< The key, now the caller's.
   std::unique_ptr<ZmString> taketext();             ///< The text, now the caller's.
-  /// Puts an element behind those inside and owns it; the text is given up. Null is ignored.
+  /// Puts an element behind those inside and owns it; the text is given up. Null is ignored. Takes
+  /// nothing when it throws.
   void push(ZmPackObj* element);
   /// @}
 

@@ -145,11 +145,10 @@ struct ZmPack::Writer {
       value.encodeXML();
       --pack.state_->depth;
     } else {
-      pack._lend(value);
+      const Loan loan(pack, value);
       value.encodeXML();
-      pack._regain(value);
     }
-    if (pack.state_->used == from) {  // empty: what closed the start tag goes again
+    if (pack._state().used == from) {  // empty: what closed the start tag goes again
       pack.state_->used -= 2;
       return put("/>\n");
     }
@@ -164,11 +163,13 @@ struct ZmPack::Writer {
 };
 
 void ZmPack::packXML() {
+  Unfinished text{*this};
   _state().used = 0;
   const ZmString name = typeXML();
   Writer root{*this, zm_view(name)};
   root.put("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
   root.branch(*this);
+  text.finished = true;
 }
 
 template <class T>
@@ -248,9 +249,8 @@ void ZmPack::restoreXML(const ZmString& name, ZmPack& value) {
 }
 
 void ZmPack::_restoreItem(ZmPackObj& item, ZmPack& value) {
-  _lend(value);
+  const Loan loan(*this, value);
   value._decodeXML(item);
-  _regain(value);
 }
 
 // The element around is at hand again afterwards, for the members that follow.

@@ -171,7 +171,7 @@ int ZmPack::unpackXML(const char* text, int length) {
   if (zm_view(root.name()) != zm_view(typeXML())) return kOther;
   if (root.length() == 0) return kEmpty;
   _clear();
+  const Unfinished reading{*this};
   _decodeXML(root);
-  _clear();
   return 0;
 }

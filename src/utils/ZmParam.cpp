@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <new>
 #include <utility>
 
 #include "ZmText.h"
@@ -51,16 +52,17 @@ ZmString valueerror(int kind, const ZmString& argument, const ZmString& value) {
 }  // namespace
 
 ZmParam::ZmParam() {
-  defineFlag("help");
-  defineFlag("version");
+  if (!defineFlag("help") || !defineFlag("version")) throw std::bad_alloc();
 }
 
 ZmParam::~ZmParam() { delete[] arguments_; }
 
 unsigned char ZmParam::_define(int tag, const ZmString& name) {
-  ZmOwned<ZmOption> option(new ZmOption(tag, name));
-  if (!options_.push(option.get())) return 0;
-  option.release();
+  try {
+    options_._push(new ZmOption(tag, name));
+  } catch (const std::bad_alloc&) {
+    return 0;
+  }
   return 1;
 }
 
@@ -85,7 +87,7 @@ unsigned char ZmParam::parse(ZmStringList& args) {
   // looks like.
   while (index < length && isoption(*args.get(index)))
     if (!_option(args, index)) return 0;
-  for (; index < length; ++index) arguments_[count_++] = *args.get(index);
+  for (; index < length; ++index, ++count_) arguments_[count_] = *args.get(index);
   for (const auto& [name, show] : {std::pair("help", help_), std::pair("version", version_)}) {
     if (!_given(name)) continue;
     if (show) show();

@@ -25,7 +25,7 @@ class ZM_EXPORT ZmParam : public ZmBase {
   virtual int type() const { return 81; }  ///< Slot 1. The type code.
 
   /// @name Defining options
-  /// Each appends one and returns 1; 0 when no memory could be had.
+  /// Each appends one and returns 1; 0 when no memory could be had, which changes nothing.
   /// @{
   unsigned char defineFlag(const ZmString& name);          ///< Takes no value.
   unsigned char defineStringOption(const ZmString& name);  ///< Takes any argument, "" and -x too.

@@ -8,6 +8,7 @@
 #include <iostream>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "ZmText.h"
 #include "ZmTextNumber.h"
@@ -120,6 +121,13 @@ void ZmString::_resize(int n) {
   length_ = 0;
   buffer_.inside[0] = 0;
   *_start(n) = 0;
+}
+
+void ZmString::_swap(ZmString& other) noexcept {
+  std::swap(buffer_, other.buffer_);
+  std::swap(length_, other.length_);
+  std::swap(place_, other.place_);
+  std::swap(secure_, other.secure_);
 }
 
 void ZmString::copy(const char* s, int n) {

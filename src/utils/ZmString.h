@@ -15,8 +15,9 @@
 /// empty string. Length and capacity are signed 32-bit and count bytes. Growth asks for four times
 /// the bytes needed (text and terminator), never fewer than 16; the capacity stops at the largest
 /// 32-bit value, and a text that would need more fails as an allocation failure does
-/// (std::bad_alloc). A buffer of 16 bytes stands in the string itself, a larger one on the heap. A
-/// `secure` string overwrites every buffer it gives up with zero bytes.
+/// (std::bad_alloc). A copy or an assignment that fails so leaves the string empty, an appending
+/// operation leaves it as it was. A buffer of 16 bytes stands in the string itself, a larger one on
+/// the heap. A `secure` string overwrites every buffer it gives up with zero bytes.
 ///
 /// Zero bytes may stand inside a text and are counted by length(); comparisons and the readers of
 /// numbers stop at the first one. Every operation also accepts the string itself, or a piece of
@@ -31,7 +32,7 @@ class ZM_EXPORT ZmString : public ZmBase {
   ZmString(const ZmString& other);   ///< copy(other): the `secure` flag is copied too.
   ZmString(int value);               ///< The text of "%d".
   ZmString(long long value);         ///< The decimal text.
-  ZmString(float value);             ///< The text of "%f".
+  ZmString(float value);             ///< The text of "%f", with a "." in every locale.
   ~ZmString() override { _drop(); }  ///< Slot 0. Releases the buffer, wiped when `secure`.
   /// @}
 
@@ -51,7 +52,8 @@ class ZM_EXPORT ZmString : public ZmBase {
   void copy(const char* s);
   void copy(int value);    ///< clear(), then += value.
   void copy(float value);  ///< clear(), then += value.
-  /// copy(value).
+  /// copy(value). Takes a char for its code and cuts a float down to its integer: `s = 'a'` is "97"
+  /// and `s = 1.5F` is "1"; copy(float) and append(char) are what one mostly means.
   ZmString& operator=(int value) {
     copy(value);
     return *this;
@@ -61,7 +63,8 @@ class ZM_EXPORT ZmString : public ZmBase {
     copy(s);
     return *this;
   }
-  /// The virtual copy(other).
+  /// The virtual copy(other): the other's `secure` flag replaces this one's, and a secret that is
+  /// kept in its buffer is no longer wiped. The assignments above leave the flag as it is.
   ZmString& operator=(const ZmString& other) {
     if (this != &other) copy(other);
     return *this;
@@ -106,6 +109,8 @@ class ZM_EXPORT ZmString : public ZmBase {
     secure_ = other.secure_;
     _fit(other.value(), other.length_);
   }
+  /// The two change places, flags and buffers included. Takes no memory.
+  void _swap(ZmString& other) noexcept;
   /// A new string of n bytes, without room to grow; undefined when n <= 0. The caller owns it.
   static ZmString* _exact(const char* s, int n);
   /// A copy likewise.
@@ -145,7 +150,8 @@ class ZM_EXPORT ZmString : public ZmBase {
   }
   ZmString& operator+=(int value);        ///< The text of "%d".
   ZmString& operator+=(long long value);  ///< The decimal text.
-  ZmString& operator+=(float value);      ///< The text of "%f": always six decimals.
+  /// The text of "%f": always six decimals, with a "." in every locale.
+  ZmString& operator+=(float value);
   /// @}
 
   /// @name Comparison

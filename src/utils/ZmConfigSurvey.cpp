@@ -17,19 +17,12 @@ constexpr std::string_view kLineEnd = "\r\n";
 
 std::uint32_t narrow(std::size_t n) { return static_cast<std::uint32_t>(n); }
 
-// The rules of one kind.
-template <class Find>
-const std::vector<const ZmConfigCheckRule*>& rules_of() {
-  static const auto rules = [] {
-    std::vector<const ZmConfigCheckRule*> found;
-    for (const ZmConfigCheckRule& rule : zm_config_check_rules())
-      if (std::holds_alternative<Find>(rule.find)) found.push_back(&rule);
-    return found;
-  }();
-  return rules;
-}
-
 }  // namespace
+
+ZmConfigSurvey::ZmConfigSurvey(std::string_view source, std::span<const Rule> rules)
+    : scanner_(source), places_(source), rules_(rules) {
+  for (const Rule& rule : rules) kinds_[rule.find.index()].push_back(&rule);
+}
 
 // ---- For rules ----
 
@@ -214,19 +207,18 @@ void ZmConfigSurvey::silence(std::size_t at, std::size_t names) {
   for (in.skip(kBetween); !in.eof(); in.skip(kBetween)) {
     const std::size_t place = end - in.left();
     const std::string_view name = in.until(kStop);
-    const auto rules = zm_config_check_rules();
-    const auto rule = std::ranges::find(rules, name, [](const Rule& r) { return r.rule.name; });
-    if (rule == rules.end()) {
+    const auto rule = std::ranges::find(rules_, name, [](const Rule& r) { return r.rule.name; });
+    if (rule == rules_.end()) {
       unknown_.push_back({place, name});
     } else {
-      silence.rules |= 1U << (rule - rules.begin());
+      silence.rules |= 1U << (rule - rules_.begin());
     }
   }
   silences_.push_back(silence);
 }
 
 bool ZmConfigSurvey::silenced(const Found& found) const {
-  const std::uint32_t bit = 1U << (found.rule - zm_config_check_rules().data());
+  const std::uint32_t bit = 1U << (found.rule - rules_.data());
   const auto after = std::ranges::upper_bound(silences_, found.mark.at, {}, &Silence::from);
   // Of two comments, one above the line and one on it, both count.
   for (auto at = after; at != silences_.begin() && after - at < 2;) {

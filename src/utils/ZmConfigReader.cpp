@@ -13,8 +13,8 @@ ZmConfigReader::Option::Option(std::string_view l, std::string_view v)
     : label(l),
       value(v),
       hash(ZmBaseHashTable::hash(l)),
-      references(zm_has_reference(v)),
-      local(references && zm_local_value({}, v) != v) {}
+      refers(zm_has_reference(v)),
+      local(refers && zm_local_value({}, v) != v) {}
 
 void ZmConfigReader::run() {
   advance();
@@ -195,7 +195,7 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
   }
   if (observer_) [[unlikely]]
     told(target, label, option);
-  if (!option.references) return;
+  if (!option.refers) return;
   if (target.created == kNone || label < 0) {
     mixed_.insert(&config);
   } else {

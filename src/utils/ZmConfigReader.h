@@ -43,7 +43,7 @@ class ZmConfigReader {
     std::string_view label;
     std::string_view value;
     ZmBaseHashTable::Hash hash;        // of the label
-    bool references;                   // whether the value holds any
+    bool refers;                       // whether the value holds references
     bool local;                        // whether they name "self" or "this"
     const ZmConfig* parent = nullptr;  // that lends it
     std::size_t number = 0;            // its place there, or among the lines told to the observer

@@ -42,6 +42,20 @@ void ZmPack::_regain(ZmPack& value) {
   --_state().depth;  // the object may have dropped it
 }
 
+void ZmPack::_restoreItem(ZmPackObj& item, ZmPack& value) {
+  _lend(value);
+  value._decodeXML(item);
+  _regain(value);
+}
+
+// The element around is at hand again afterwards, for the members that follow.
+void ZmPack::_decodeXML(ZmPackObj& element) {
+  const Place outside = std::exchange(_state().at, {});
+  state_->at.element = &element;
+  decodeXML();
+  _state().at = outside;
+}
+
 // --- writing ---
 
 unsigned char* ZmPack::_room(long long n) {

@@ -4,8 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include "ZmPackObjHash.h"
-#include "ZmPackObjList.h"
+#include "ZmBaseHash.h"
+#include "ZmBaseList.h"
 #include "ZmText.h"
 
 namespace {
@@ -13,6 +13,12 @@ namespace {
 constexpr int kFew = 8;  // so few elements, or searches among many, go without an index
 
 }  // namespace
+
+// Elements, and what find() has made for them. Most elements hold a text and have none of it.
+struct ZmPackObj::Inside : ZmBaseList<ZmPackObj> {
+  ZmBaseHash<ZmPackObj>* index = nullptr;  // by name, lends them; made when it pays
+  int searches = 0;                        // since an element came or went
+};
 
 ZmPackObj::~ZmPackObj() { _clear(); }
 
@@ -32,10 +38,11 @@ void ZmPackObj::_clear() {
 }
 
 void ZmPackObj::_forget() const {
-  searches_ = 0;
-  if (!index_) return;
-  index_->release();
-  delete std::exchange(index_, nullptr);
+  if (!inside_) return;
+  inside_->searches = 0;
+  if (!inside_->index) return;
+  inside_->index->release();
+  delete std::exchange(inside_->index, nullptr);
 }
 
 void ZmPackObj::copy(const ZmPackObj& other) {
@@ -67,19 +74,20 @@ ZmPackObj* ZmPackObj::get(int i) const { return inside_ ? inside_->get(i) : null
 
 // From the end, here and for the index: of several elements of one name the last counts.
 ZmPackObj* ZmPackObj::find(const ZmString& name) const {
-  if (length() > kFew && ++searches_ > kFew) return _indexed(name);
+  if (length() > kFew && ++inside_->searches > kFew) return _indexed(name);
   for (int i = length() - 1; i >= 0; --i)
     if (zm_view(get(i)->name()) == zm_view(name)) return get(i);
   return nullptr;
 }
 
 ZmPackObj* ZmPackObj::_indexed(const ZmString& name) const {
-  if (!index_) {
-    index_ = new ZmPackObjHash;
+  auto*& index = inside_->index;
+  if (!index) {
+    index = new ZmBaseHash<ZmPackObj>;
     for (int i = length() - 1; i >= 0; --i)
-      if (!index_->get(get(i)->name())) index_->set(get(i), get(i)->name());
+      if (!index->get(get(i)->name())) index->set(get(i), get(i)->name());
   }
-  return index_->get(name);
+  return index->get(name);
 }
 
 void ZmPackObj::name(std::shared_ptr<const ZmString> name) { name_ = std::move(name); }
@@ -91,7 +99,7 @@ std::unique_ptr<ZmString> ZmPackObj::taketext() { return std::move(text_); }
 void ZmPackObj::push(ZmPackObj* element) {
   if (!element) return;
   _forget();  // the index lacks the new element
-  if (!inside_) inside_ = new ZmPackObjList;
+  if (!inside_) inside_ = new Inside;
   if (!inside_->push(element)) throw std::bad_alloc();
   text_.reset();
 }

@@ -7,9 +7,6 @@
 #include "ZmString.h"
 #include "ZmText.h"
 
-class ZmPackObjHash;
-class ZmPackObjList;
-
 /// One element of an XML text that has been read: a name, perhaps a key, and either a text or the
 /// elements inside it, in their order. unpackXML() reads a text into a tree of these.
 ///
@@ -54,16 +51,16 @@ class ZM_EXPORT ZmPackObj : public ZmBase {
   /// @}
 
  private:
+  struct Inside;
+
   void _clear();
-  void _forget() const;  // drops index_
+  void _forget() const;  // drops the index
   ZmPackObj* _indexed(const ZmString& name) const;
 
   std::shared_ptr<const ZmString> name_;  // null: empty
   std::unique_ptr<ZmString> key_;
   std::unique_ptr<ZmString> text_;
-  ZmPackObjList* inside_ = nullptr;         // null while empty
-  mutable ZmPackObjHash* index_ = nullptr;  // of inside_ by name, lent; made when it pays
-  mutable int searches_ = 0;
+  Inside* inside_ = nullptr;  // null while empty
 };
 
 #endif

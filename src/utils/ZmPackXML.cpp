@@ -12,7 +12,6 @@
 #include <new>
 #include <string_view>
 #include <system_error>
-#include <utility>
 
 #include "ZmPack.h"
 #include "ZmPackObj.h"
@@ -111,21 +110,21 @@ struct ZmPack::Writer {
   void indent() {
     for (int i = 0; i < pack.state_->depth; ++i) put("  ");
   }
-  // The start tag up to where ">" belongs.
-  void open() {
+  // Up to where ">" belongs.
+  void starttag() {
     indent();
     put("<");
     put(tag);
     if (tag != name) attribute("name", name);
     if (key) attribute("key", zm_view(*key));
   }
-  void close() {
+  void endtag() {
     put("</");
     put(tag);
     put(">\n");
   }
   void leaf(std::string_view text) {
-    open();
+    starttag();
     if (text.empty()) return put("/>\n");
     if (zm_xml_text(text)) {
       put(">");
@@ -134,10 +133,10 @@ struct ZmPack::Writer {
       put(" encoding=\"base64\">");
       put(zm_view(zm_base64(text)));
     }
-    close();
+    endtag();
   }
   void branch(ZmPack& value) {
-    open();
+    starttag();
     put(">\n");
     const int from = pack.state_->used;
     if (&value == &pack) {
@@ -154,7 +153,7 @@ struct ZmPack::Writer {
       return put("/>\n");
     }
     indent();
-    close();
+    endtag();
   }
 
   ZmPack& pack;
@@ -245,20 +244,6 @@ void ZmPack::restoreXML(const ZmString& name, ZmString& value) {
 void ZmPack::restoreXML(const ZmString& name, ZmPack& value) {
   ZmPackObj* element = _xml() ? _xml()->find(name) : nullptr;
   if (element && &value != this) _restoreItem(*element, value);
-}
-
-void ZmPack::_restoreItem(ZmPackObj& item, ZmPack& value) {
-  _lend(value);
-  value._decodeXML(item);
-  _regain(value);
-}
-
-// The element around is at hand again afterwards, for the members that follow.
-void ZmPack::_decodeXML(ZmPackObj& element) {
-  const Place outside = std::exchange(_state().at, {});
-  state_->at.element = &element;
-  decodeXML();
-  _state().at = outside;
 }
 
 // Blanks count as nothing: an empty list may have been written by hand, on two lines.

@@ -16,12 +16,12 @@ namespace {
 using Parser = std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)>;
 
 // After a stop Expat still calls handlers for what it has in hand.
-template <class Step>
-void guarded(void* user, Step step) noexcept {
+template <class Handle>
+void guarded(void* user, Handle handle) noexcept {
   auto& reader = *static_cast<ZmPackXMLReader*>(user);
   if (reader.stopped()) return;
   try {
-    step(reader);
+    handle(reader);
   } catch (const std::bad_alloc&) {
     reader.stop(ZmPackXMLReader::kNoMemory);
   }
@@ -59,11 +59,11 @@ int size(std::string_view text) { return static_cast<int>(text.size()); }
 }  // namespace
 
 void ZmPackStartElement(void* reader, const char* name, const char** attributes) noexcept {
-  guarded(reader, [=](ZmPackXMLReader& to) { to.start(name, attributes); });
+  guarded(reader, [=](ZmPackXMLReader& to) { to.enter(name, attributes); });
 }
 
 void ZmPackEndElement(void* reader, const char*) noexcept {
-  guarded(reader, [](ZmPackXMLReader& to) { to.end(); });
+  guarded(reader, [](ZmPackXMLReader& to) { to.leave(); });
 }
 
 void ZmPackData(void* reader, const char* text, int length) noexcept {
@@ -117,7 +117,7 @@ void ZmPackXMLReader::listen(bool on) {
   XML_SetCharacterDataHandler(parser_, on ? ZmPackData : nullptr);
 }
 
-void ZmPackXMLReader::start(const char* name, const char** attributes) {
+void ZmPackXMLReader::enter(const char* name, const char** attributes) {
   if (open_.size() >= kDepth) return stop(kRefused);
   auto made = std::make_unique<ZmPackObj>();
   ZmPackObj* element = made.get();
@@ -149,7 +149,7 @@ void ZmPackXMLReader::data(std::string_view text) {
 }
 
 // Only an element without others inside has a text, and that of a leaf is never null.
-void ZmPackXMLReader::end() {
+void ZmPackXMLReader::leave() {
   ZmPackObj& element = *open_.back();
   open_.pop_back();
   if (!leaf_) return;

@@ -30,8 +30,8 @@ class ZmPackXMLReader {
   ZmPackObj& root() const { return *root_; }
 
   // What the handlers below are for.
-  void start(const char* name, const char** attributes);
-  void end();
+  void enter(const char* name, const char** attributes);
+  void leave();
   void data(std::string_view text);
   void stop(Result why);
   bool stopped() const { return result_ != kDone; }

@@ -208,11 +208,11 @@ unsigned char ZmRange::has(int value) const { return std::find(_begin(), _end(),
 
 // By sorted copies: looking for each value would be quadratic.
 unsigned char ZmRange::has(const ZmString& text) const {
-  ZmRange wanted(text);
-  ZmRange held(*this);
-  wanted._strip();
-  held.sort();
-  return std::includes(held._begin(), held._end(), wanted._begin(), wanted._end());
+  ZmRange some(text);
+  ZmRange all(*this);
+  some._strip();
+  all.sort();
+  return std::includes(all._begin(), all._end(), some._begin(), some._end());
 }
 
 // Equal integers can't be told apart, so any sorting does.

@@ -199,7 +199,7 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
   if (target.created == kNone || label < 0) {
     mixed_.insert(&config);
   } else {
-    references_.push_back({target.created, label});
+    referring_.push_back({target.created, label});
   }
 }
 
@@ -239,13 +239,13 @@ std::string_view ZmConfigReader::known(const ZmConfig& section) const {
 // The sections from the last one made to the first, their options in label order.
 void ZmConfigReader::expand() {
   ZmConfigExpander expander(sections_, observer_);
-  if (!std::is_sorted(references_.begin(), references_.end()))
-    std::sort(references_.begin(), references_.end());
-  auto end = references_.end();
+  if (!std::is_sorted(referring_.begin(), referring_.end()))
+    std::sort(referring_.begin(), referring_.end());
+  auto end = referring_.end();
   for (std::size_t i = created_.size(); i-- > 0;) {
     ZmConfig& config = *created_[i];
     auto begin = end;
-    while (begin != references_.begin() && std::prev(begin)->created == i) --begin;
+    while (begin != referring_.begin() && std::prev(begin)->created == i) --begin;
     if (!mixed_.empty() && mixed_.contains(&config)) {
       for (int label = 0; label < config.length(); ++label) expand(expander, config, label);
     } else {

@@ -8,6 +8,8 @@
 
 #include "ZmText.h"
 
+// A walk that fails has met a circle, and the search behind it makes that one known: there are not
+// more rounds than circles.
 std::string_view ZmConfigExpander::expand(std::string_view scope, std::string_view self,
                                           std::string_view value, const ZmString* option) {
   const ZmConfig* config = scope_.section(scope);
@@ -109,6 +111,8 @@ void ZmConfigExpander::enter(Node* node, std::string_view self, std::string_view
                    " refers to itself... skipping.\n";
 }
 
+// The result stays where it was made, inside that of the option around it: to remember it takes no
+// copy.
 void ZmConfigExpander::leave() {
   const Reading reading = chain_.back();
   chain_.pop_back();
@@ -190,6 +194,7 @@ ZmConfigExpander::Node* ZmConfigExpander::circle(Node& node) {
   return at;
 }
 
+// An option that has no node yet has not been met by any search, so it is in no circle.
 // Whether both options are in one circle.
 bool ZmConfigExpander::cut(Node* from, const ZmString& to) {
   if (!from || !from->circle) return false;
@@ -197,6 +202,8 @@ bool ZmConfigExpander::cut(Node* from, const ZmString& to) {
   return met != nodes_.end() && circle(*from) == circle(met->second);
 }
 
+// By the place of the text: a section keeps its values where they are while a reading expands them,
+// and a map that grows does not move its nodes, which lead to each other.
 ZmConfigExpander::Node& ZmConfigExpander::node(const ZmConfigPiece& piece) {
   const auto [at, made] = nodes_.try_emplace(piece.value);
   Node& node = at->second;
@@ -208,11 +215,14 @@ ZmConfigExpander::Node& ZmConfigExpander::node(const ZmConfigPiece& piece) {
   return node;
 }
 
+// What is too long for a text fails before memory for it is asked for.
 void ZmConfigExpander::append(std::string_view text) {
   if (text.size() >= INT_MAX - (out_.size() - start_)) throw std::bad_alloc();
   out_ += text;
 }
 
+// What the reference gives is told where it is known already; of an option that has to be expanded
+// first the observer learns it by leave().
 void ZmConfigExpander::tell(Reading& reading, const ZmConfigPiece& piece, bool circle) {
   std::string_view result = piece.text;
   bool nested = false;

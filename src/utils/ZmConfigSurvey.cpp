@@ -149,6 +149,7 @@ void ZmConfigSurvey::option(const ZmConfigLine& line) {
   next();
 }
 
+// The reader goes no further, but a comment on this line may still ask for silence about it.
 void ZmConfigSurvey::stop(const ZmConfigStop& stop) {
   stop_ = line_end(stop.at);
   ZmConfigScanner rest(text().substr(stop.at, stop_ - stop.at));
@@ -172,6 +173,7 @@ std::string_view ZmConfigSurvey::keep(std::string_view text) {
   return keeps(text) ? text : kept_.emplace_back(text);
 }
 
+// By std::less, which orders pointers of different texts too.
 bool ZmConfigSurvey::keeps(std::string_view text) const {
   const std::string_view all = this->text();
   return std::less_equal<>()(all.data(), text.data()) &&
@@ -247,6 +249,8 @@ void ZmConfigSurvey::use(const ZmConfigUse& use) {
                    std::string(use.piece.section) + "." + std::string(use.piece.label)});
 }
 
+// The text is made for the first section only: it costs more than the verdict, and there may be
+// thousands of sections with the same line.
 void ZmConfigSurvey::judge(const Rule& rule, const ZmConfigUse& use, std::uint32_t written) {
   const auto find = std::get<ZmUseRule>(rule.find);
   const Spot spot{written, narrow(use.number), &rule};

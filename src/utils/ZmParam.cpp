@@ -50,6 +50,7 @@ ZmString valueerror(int kind, const ZmString& argument, const ZmString& value) {
 
 }  // namespace
 
+// First, so that they come first in every list that shows what there is.
 ZmParam::ZmParam() {
   defineFlag("help");
   defineFlag("version");
@@ -169,6 +170,7 @@ unsigned char ZmParam::get(const ZmString& name, int& v) const {
   return 1;
 }
 
+// Without a sign the value is absolute, which "=" stands for.
 unsigned char ZmParam::get(const ZmString& name, int& v, char& sign) const {
   const ZmOption* option = _given(name);
   if (!option || option->value().length() == 0) return 0;
@@ -190,6 +192,7 @@ const ZmOption* ZmParam::_given(const ZmString& name) const {
   return option && option->exists() ? option : nullptr;
 }
 
+// The program's name stands for what is not there: callers print it without asking first.
 const ZmString& ZmParam::arg(int i) const { return i >= 0 && i < count_ ? arguments_[i] : name_; }
 
 void ZmParam::displayHeader() const {

@@ -1,5 +1,6 @@
 #include "ZmPackObj.h"
 
+#include <memory>
 #include <new>
 #include <utility>
 #include <vector>
@@ -52,9 +53,9 @@ void ZmPackObj::copy(const ZmPackObj& other) {
   while (!open.empty()) {
     const auto [from, to] = open.back();
     open.pop_back();
-    to->name_ = from->name_;
-    if (from->key_) to->key_ = std::make_unique<ZmString>(*from->key_);
-    if (from->text_) to->text_ = std::make_unique<ZmString>(*from->text_);
+    to->name_._fit(from->name_);
+    if (from->key_) to->key_.reset(new ZmString(*from->key_));
+    if (from->text_) to->text_.reset(new ZmString(*from->text_));
     for (int i = 0; i < from->length(); ++i) {
       auto* element = new ZmPackObj;
       to->push(element);
@@ -62,7 +63,7 @@ void ZmPackObj::copy(const ZmPackObj& other) {
     }
   }
   _clear();
-  name_ = made.name_;
+  name_._fit(made.name_);
   key_ = std::move(made.key_);
   text_ = std::move(made.text_);
   std::swap(inside_, made.inside_);
@@ -90,11 +91,11 @@ ZmPackObj* ZmPackObj::_indexed(const ZmString& name) const {
   return index->get(name);
 }
 
-void ZmPackObj::name(std::shared_ptr<const ZmString> name) { name_ = std::move(name); }
-void ZmPackObj::key(std::unique_ptr<ZmString> key) { key_ = std::move(key); }
-void ZmPackObj::text(std::unique_ptr<ZmString> text) { text_ = std::move(text); }
-std::unique_ptr<ZmString> ZmPackObj::takekey() { return std::move(key_); }
-std::unique_ptr<ZmString> ZmPackObj::taketext() { return std::move(text_); }
+void ZmPackObj::name(const ZmString& name) { name_._fit(name); }
+void ZmPackObj::key(ZmOwned<ZmString> key) { key_ = std::move(key); }
+void ZmPackObj::text(ZmOwned<ZmString> text) { text_ = std::move(text); }
+ZmOwned<ZmString> ZmPackObj::takekey() { return std::move(key_); }
+ZmOwned<ZmString> ZmPackObj::taketext() { return std::move(text_); }
 
 void ZmPackObj::push(ZmPackObj* element) {
   if (!element) return;

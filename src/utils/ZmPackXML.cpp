@@ -263,8 +263,6 @@ ZmPackObj* ZmPack::_item(int& at) const {
   return nullptr;
 }
 
-ZmOwned<ZmString> ZmPack::_takeItem(ZmPackObj& item, const ZmString*) {
-  return ZmOwned(item.taketext().release());
-}
+ZmOwned<ZmString> ZmPack::_takeItem(ZmPackObj& item, const ZmString*) { return item.taketext(); }
 
-ZmOwned<ZmString> ZmPack::_takeKey(ZmPackObj& item) { return ZmOwned(item.takekey().release()); }
+ZmOwned<ZmString> ZmPack::_takeKey(ZmPackObj& item) { return item.takekey(); }

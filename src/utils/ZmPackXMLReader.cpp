@@ -96,18 +96,11 @@ ZmPackXMLReader::Encoding ZmPackXMLReader::encoding(const char* name) {
   return std::string_view(name) == "base64" ? kBase64 : kUnknown;
 }
 
-std::unique_ptr<ZmString> ZmPackXMLReader::decoded(std::string_view value, Encoding encoding) {
-  if (encoding == kUnknown) return nullptr;
-  if (encoding == kPlain)
-    return std::unique_ptr<ZmString>(ZmString::_exact(value.data(), size(value)));
-  auto bytes = std::make_unique<ZmString>();
-  return zm_from_base64(value, *bytes) ? std::move(bytes) : nullptr;
-}
-
-// The items of a list all have one name, which they share.
-const std::shared_ptr<const ZmString>& ZmPackXMLReader::named(const char* name) {
-  if (!name_ || std::strcmp(name_->value(), name) != 0) name_ = decoded(name, kPlain);
-  return name_;
+ZmOwned<ZmString> ZmPackXMLReader::decoded(std::string_view value, Encoding encoding) {
+  if (encoding == kUnknown) return {};
+  if (encoding == kPlain) return ZmOwned<ZmString>(ZmString::_exact(value.data(), size(value)));
+  ZmOwned<ZmString> bytes(new ZmString);
+  return zm_from_base64(value, *bytes) ? std::move(bytes) : ZmOwned<ZmString>();
 }
 
 // Text beside elements, the indentation above all, is not worth a call.
@@ -134,9 +127,10 @@ void ZmPackXMLReader::enter(const char* name, const char** attributes) {
   encoding_ = encoding(given.encoding);
   if (given.key) element->key(decoded(given.key, encoding(given.key_encoding)));
   if (given.name && std::strcmp(name, "element") == 0) {
-    element->name(decoded(given.name, encoding(given.name_encoding)));
+    if (const auto odd = decoded(given.name, encoding(given.name_encoding))) element->name(*odd);
   } else {
-    element->name(named(name));
+    name_ = name;
+    element->name(name_);
   }
 }
 
@@ -153,7 +147,7 @@ void ZmPackXMLReader::leave() {
   ZmPackObj& element = *open_.back();
   open_.pop_back();
   if (!leaf_) return;
-  if (!text_) text_ = std::make_unique<ZmString>();
+  if (!text_) text_.reset(new ZmString);
   element.text(encoding_ == kPlain ? std::move(text_) : decoded(zm_view(*text_), encoding_));
   listen(false);
 }

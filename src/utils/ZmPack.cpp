@@ -41,7 +41,7 @@ void ZmPack::_lend(ZmPack& value) {
 
 void ZmPack::_regain(ZmPack& value) {
   state_ = std::move(value.state_);
-  --_state().depth;  // the object may have dropped it
+  if (_state().depth > 0) --state_->depth;  // the object may have dropped it
 }
 
 void ZmPack::_restoreItem(ZmPackObj& item, ZmPack& value) {

@@ -145,7 +145,10 @@ TEST(ZmPack, ContainersReadNoMoreThanIsThere) {
 // A nested object reads with what its reader lends it.
 TEST(ZmPack, NestedObjectsMayResetThemselves) {
   struct Reset : Sample {
-    void decode() override { Sample::operator=(Sample()); }
+    void decode() override {
+      Sample::operator=(Sample());
+      Sample::decode();
+    }
   };
   struct Outer : Sample {
     void decode() override {
@@ -180,6 +183,7 @@ TEST(ZmPack, NestedObjectsMayDropWhatTheyAreStoredIn) {
       storeXML("a", "<");
       storeXML("b", static_cast<const char*>(nullptr));
       storeXML("c", *this);
+      storeXML("d", dropping);
     }
     Dropping dropping;
   } outer;
@@ -187,7 +191,7 @@ TEST(ZmPack, NestedObjectsMayDropWhatTheyAreStoredIn) {
   const std::string shown = printed([&] { outer._debug_print(); });
   EXPECT_EQ(shown.substr(shown.find("\tlen")),
             "\tlength: 16\n\tdata:\n\t\t00 07 00 01 00 00 00 00 00 03 00 03 00 00 00 00\n");
-  EXPECT_EQ(xml(outer).substr(39), "<pack>\n  <a>&lt;</a>\n  <b/>\n</pack>\n");
+  EXPECT_EQ(xml(outer).substr(39), "<pack>\n  <a>&lt;</a>\n  <b/>\n  <d/>\n</pack>\n");
 }
 
 // A section replaces its options by those of a record only if they can be read.

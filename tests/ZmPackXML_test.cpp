@@ -64,10 +64,27 @@ ZmStringList everytext() {
     }
   }
   using namespace std::string_view_literals;
-  for (const auto text : {""sv, "]]>"sv, "&amp;"sv, "a\r\nb\rc\n"sv, "<!--x-->"sv, "\xed\xa0\x80"sv,
-                          "\xef\xbf\xbe"sv, "\xef\xbf\xbd"sv, "\xc3\xa9"sv, "\xf4\x90\x80\x80"sv,
-                          "\xf0\x9f\x98\x80"sv, "\xc0\x80"sv, "\xe2\x82"sv, "\xef\xbb\xbfx"sv,
-                          "\0"sv, "a\0b"sv, "\0\0\0\0"sv, "\xf4\x8f\xbf\xbf"sv, "\xee\x80\x80"sv})
+  for (const auto text : {""sv,
+                          "]]>"sv,
+                          "&amp;"sv,
+                          "a\r\nb\rc\n"sv,
+                          "<!--x-->"sv,
+                          "\xed\xa0\x80"sv,
+                          "\xef\xbf\xbe"sv,
+                          "\xef\xbf\xbf"sv,
+                          "\xe0\x80\x80"sv,
+                          "\xef\xbf\xbd"sv,
+                          "\xc3\xa9"sv,
+                          "\xf4\x90\x80\x80"sv,
+                          "\xf0\x9f\x98\x80"sv,
+                          "\xc0\x80"sv,
+                          "\xe2\x82"sv,
+                          "\xef\xbb\xbfx"sv,
+                          "\0"sv,
+                          "a\0b"sv,
+                          "\0\0\0\0"sv,
+                          "\xf4\x8f\xbf\xbf"sv,
+                          "\xee\x80\x80"sv})
     texts.push(new ZmString(zm_string(text)));
   return texts;
 }
@@ -192,7 +209,7 @@ TEST(ZmPackXML, SectionsKeepWhatAMalformedMemberWouldReplace) {
   check({"<options>junk</options> => k=v;", "<options><item>no key</item></options> => k=v;",
          "<options><item key='a'><b/></item></options> => k=v;", "<labels>junk</labels> => k=v;",
          "<labels><item><b/></item></labels> => k=v;", "<address>junk</address> => k=v;",
-         "<options> </options> => "},
+         "<options> </options> => ", "<options><x/><item key='a'>1</item></options> => a=1;"},
         [](const char* member) {
           ZmConfig section;
           section.option("k", "v");
@@ -219,12 +236,28 @@ TEST(ZmPackXML, HashesAreWrittenByKey) {
   EXPECT_EQ(*old.get("01"), "old");
 }
 
+TEST(ZmPackObj, FindsTheLastOfAName) {
+  ZmPackObj root;
+  for (int i = 0; i < 60; ++i) {
+    auto* inside = new ZmPackObj;
+    inside->name(ZmString(i % 20));
+    inside->key(ZmOwned<ZmString>(new ZmString(i)));
+    root.push(inside);
+    for (int search = 0; search < 20; ++search) EXPECT_EQ(root.find(ZmString(i % 20)), inside);
+  }
+  ZmPackObj copy = root;
+  copy = *&copy;
+  copy.push(nullptr);
+  for (int search = 0; search < 20; ++search) EXPECT_EQ(*copy.find("7")->key(), "47");
+  EXPECT_EQ(copy.find("20"), nullptr);
+}
+
 TEST(ZmPackObj, AnyDepthIsCopiedAndDestroyed) {
   ZmPackObj root;
   ZmPackObj* at = &root;
   for (int i = 0; i < 300000; ++i) {
     auto* inside = new ZmPackObj;
-    inside->text(std::make_unique<ZmString>("x"));
+    inside->text(ZmOwned<ZmString>(new ZmString("x")));
     at->push(inside);
     at = inside;
   }

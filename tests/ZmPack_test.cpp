@@ -145,7 +145,10 @@ TEST(ZmPack, ContainersReadNoMoreThanIsThere) {
 // A nested object reads with what its reader lends it.
 TEST(ZmPack, NestedObjectsMayResetThemselves) {
   struct Reset : Sample {
-    void decode() override { Sample::operator=(Sample()); }
+    void decode() override {
+      Sample::operator=(Sample());
+      Sample::decode();
+    }
   };
   struct Outer : Sample {
     void decode() override {
@@ -159,6 +162,50 @@ TEST(ZmPack, NestedObjectsMayResetThemselves) {
                                                        "0001 0001 00000005"))),
             0);
   EXPECT_EQ(outer.number, 5);
+}
+
+// Nor does it store itself, and what it drops of the record around it stays dropped.
+TEST(ZmPack, NestedObjectsMayDropWhatTheyAreStoredIn) {
+  struct Dropping : Sample {
+    void encode() override {
+      Sample::operator=(Sample());
+      store(7, number);
+    }
+  };
+  struct Outer : Sample {
+    void encode() override {
+      store(1, number);
+      store(2, dropping);
+      store(3, static_cast<const char*>(nullptr));
+      store(4, *this);
+    }
+    void encodeXML() override {
+      storeXML("a", "<");
+      storeXML("b", static_cast<const char*>(nullptr));
+      storeXML("c", *this);
+      storeXML("d", dropping);
+    }
+    Dropping dropping;
+  } outer;
+  EXPECT_EQ(record(outer), bytes("0007 0001 00000000 0003 0003 00000000"));
+  const std::string shown = printed([&] { outer._debug_print(); });
+  EXPECT_EQ(shown.substr(shown.find("\tlen")),
+            "\tlength: 16\n\tdata:\n\t\t00 07 00 01 00 00 00 00 00 03 00 03 00 00 00 00\n");
+  EXPECT_EQ(xml(outer).substr(39), "<pack>\n  <a>&lt;</a>\n  <b/>\n  <d/>\n</pack>\n");
+}
+
+// A section replaces its options by those of a record only if they can be read.
+TEST(ZmPack, ContainersAreEmptiedForSoundFieldsOnly) {
+  check({"0003 0004 00000037 00000000 0000 0004 00000038 00000000 => ",
+         "0000 0004 00000037 00000000 => k=v;", "0000 0004 00000038 ffffffff => k=v;",
+         "0000 0004 00000038 00000001 => k=v;", "0000 0004 00000038 00 => k=v;",
+         "0000 0001 00000038 => k=v;"},
+        [](const char* fields) {
+          ZmConfig section;
+          section.option("k", "v");
+          EXPECT_EQ(unpack(section, bytes(kVersion + std::string(fields))), 0);
+          return held(section);
+        });
 }
 
 TEST(ZmPack, HostileNestingEnds) {

@@ -76,6 +76,7 @@ ZmString ZmAddress::stringvalue() const {
   return text;
 }
 
+// The last octet stands in decimal: the form is a contract.
 ZmString ZmAddress::hexvalue() const {
   ZmString text;
   for (int i = 0; i < 3; ++i) {

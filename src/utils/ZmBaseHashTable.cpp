@@ -369,9 +369,9 @@ void ZmBaseHashTable::fill(const ZmBaseHashTable& other, void* (*copy_value)(con
   if (room_ < other.used_) reserve(other.used_);
   for (; used_ < other.used_; ++used_, ++live_) {
     const auto& [key, value, hash] = other.entries_[used_];
-    ZmOwned<ZmString> made(ZmString::_exact(*key));
-    entries_[used_] = {made.get(), copy_value(value), hash};
-    made.release();
+    ZmOwned<ZmString> copied(ZmString::_exact(*key));
+    entries_[used_] = {copied.get(), copy_value(value), hash};
+    copied.release();
   }
   for (int i = 0; i < slots_.size(); ++i)
     if (other.slots_.occupied(i)) slots_.put(i, other.slots_.mark(i), other.slots_.number(i));

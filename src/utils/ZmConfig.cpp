@@ -107,10 +107,10 @@ int ZmConfig::_store(std::string_view label, ZmBaseHashTable::Hash hash, std::st
       return -1;
     }
   }
-  ZmOwned<ZmString> made(ZmString::_exact(value.data(), length));
-  made->secure(secure);
+  ZmOwned<ZmString> text(ZmString::_exact(value.data(), length));
+  text->secure(secure);
   ZmOwned<ZmString> key(ZmString::_exact(label.data(), static_cast<int>(label.size())));
-  return _add(spot, hash, std::move(key), std::move(made));
+  return _add(spot, hash, std::move(key), std::move(text));
 }
 
 // All memory but that of tables is taken before the option is stored: a section never lists a label

@@ -49,7 +49,7 @@ const ZmConfigCheck::Rule* ZmConfigCheck::rule(std::string_view name) {
 
 ZmConfigCheck::ZmConfigCheck(std::string text, unsigned char lowercase)
     : text_(std::move(text)),
-      survey_(std::make_unique<ZmConfigSurvey>(text_)),
+      survey_(std::make_unique<ZmConfigSurvey>(text_, zm_config_check_rules())),
       lowercase_(lowercase) {
   std::vector<Survey::Found> all = survey_->run(lowercase != 0);
   findings_.reserve(all.size());

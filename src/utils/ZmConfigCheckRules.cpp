@@ -11,10 +11,10 @@ namespace {
 
 using Survey = ZmConfigSurvey;
 using Part = ZmConfigPart;
-constexpr auto kError = ZmConfigCheck::Severity::kError;
+constexpr auto kError = ZmConfigCheckTypes::Severity::kError;
 constexpr auto kSilent = ZmVerdict::kSilent;
 constexpr auto kFault = ZmVerdict::kFault;
-constexpr auto kWarning = ZmConfigCheck::Severity::kWarning;
+constexpr auto kWarning = ZmConfigCheckTypes::Severity::kWarning;
 constexpr ZmCharSet kSpace(" \t"), kSign(" \t\r.{}\\$"), kDigit("0123456789"), kOpen("["),
     kClose("]");
 constexpr ZmCharSet kName("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-");
@@ -419,10 +419,3 @@ const ZmConfigCheckRule kRules[] = {
 }  // namespace
 
 std::span<const ZmConfigCheckRule> zm_config_check_rules() { return kRules; }
-
-std::string zm_shown(std::string_view text) {
-  constexpr std::size_t kLongest = 60;
-  std::string shown = "\"";
-  for (const char c : text.substr(0, kLongest)) shown += c < 32 || c > 126 ? '?' : c;
-  return shown + (text.size() > kLongest ? "...\"" : "\"");
-}

@@ -8,6 +8,8 @@
 
 #include "ZmText.h"
 
+// A walk that fails has met a circle, and the search behind it makes that one known: there are not
+// more rounds than circles.
 std::string_view ZmConfigExpander::expand(std::string_view scope, std::string_view self,
                                           std::string_view value, const ZmString* option) {
   const ZmConfig* config = scope_.section(scope);
@@ -39,13 +41,13 @@ void ZmConfigExpander::replaced(const ZmString& option) {
 // The results that depend on the scope are old.
 void ZmConfigExpander::forget() {
   ++epoch_;
-  kept_ = free_;
+  remembered_ = lasting_;
 }
 
 // False when it met a circle that is not known yet.
 bool ZmConfigExpander::walk(std::string_view self, std::string_view value, const ZmString* option) {
-  out_.resize(kept_);
-  start_ = kept_;
+  out_.resize(remembered_);
+  start_ = remembered_;
   const auto met = nodes_.find(option);
   Node* root = met == nodes_.end() ? nullptr : &met->second;
   if (root && stands(*root)) {
@@ -60,8 +62,8 @@ bool ZmConfigExpander::walk(std::string_view self, std::string_view value, const
     } else if (!node->entered) {
       enter(node, node->section, zm_view(*node->value));
     } else {
-      for (const Frame& frame : chain_)
-        if (frame.node) frame.node->entered = false;
+      for (const Reading& reading : chain_)
+        if (reading.node) reading.node->entered = false;
       chain_.clear();
       return false;
     }
@@ -70,15 +72,15 @@ bool ZmConfigExpander::walk(std::string_view self, std::string_view value, const
 }
 
 // Copies and replaces up to the end, or to a reference to an option that must be expanded first.
-ZmConfigExpander::Node* ZmConfigExpander::step(Frame& frame) {
+ZmConfigExpander::Node* ZmConfigExpander::step(Reading& reading) {
   const bool remembered = chain_.size() > 1;
-  while (!frame.in.eof()) {
-    const bool reference = frame.in.is('$');
-    const ZmConfigPiece piece = scope_.next(frame.in, frame.self);
-    const bool circle = piece.value && piece.qualified && cut(frame.node, *piece.value);
+  while (!reading.in.eof()) {
+    const bool reference = reading.in.is('$');
+    const ZmConfigPiece piece = scope_.next(reading.in, reading.self);
+    const bool circle = piece.value && piece.qualified && cut(reading.node, *piece.value);
     if (observer_ && reference) [[unlikely]]
-      tell(frame, piece, circle);
-    frame.scoped |= piece.scoped;
+      tell(reading, piece, circle);
+    reading.scoped |= piece.scoped;
     append(piece.text);
     if (!piece.value || circle) continue;
     const std::string_view value = zm_view(*piece.value);
@@ -89,10 +91,10 @@ ZmConfigExpander::Node* ZmConfigExpander::step(Frame& frame) {
       if (remembered) node(piece).copied = true;
     } else {
       Node& to = node(piece);
-      if (remembered && !frame.node->linked) to.users.push_back(frame.node);
+      if (remembered && !reading.node->linked) to.users.push_back(reading.node);
       if (!stands(to)) return &to;
       append(std::string_view(out_).substr(to.start, to.length));
-      frame.scoped |= to.stands != kEver;
+      reading.scoped |= to.stands != kEver;
     }
   }
   return nullptr;
@@ -109,27 +111,29 @@ void ZmConfigExpander::enter(Node* node, std::string_view self, std::string_view
                    " refers to itself... skipping.\n";
 }
 
+// The result stays where it was made, inside that of the option around it: to remember it takes no
+// copy.
 void ZmConfigExpander::leave() {
-  const Frame frame = chain_.back();
+  const Reading reading = chain_.back();
   chain_.pop_back();
-  if (frame.node) frame.node->entered = false;
+  if (reading.node) reading.node->entered = false;
   if (chain_.empty()) return;  // what was asked for is replaced by its result
-  chain_.back().scoped |= frame.scoped;
-  Node& node = *frame.node;
-  node.start = frame.start;
-  node.length = out_.size() - frame.start;
-  node.stands = frame.scoped ? epoch_ : kEver;
+  chain_.back().scoped |= reading.scoped;
+  Node& node = *reading.node;
+  node.start = reading.start;
+  node.length = out_.size() - reading.start;
+  node.stands = reading.scoped ? epoch_ : kEver;
   node.linked = true;
-  kept_ = out_.size();
-  if (!frame.scoped) free_ = kept_;
-  if (observer_) observer_->leave(std::string_view(out_).substr(frame.start));
+  remembered_ = out_.size();
+  if (!reading.scoped) lasting_ = remembered_;
+  if (observer_) observer_->leave(std::string_view(out_).substr(reading.start));
 }
 
 // Finds the circles among the options that a value leads to (R. Tarjan, "Depth-first search and
 // linear graph algorithms", 1972). What has a result that stands leads to none that is not known.
 void ZmConfigExpander::search(std::string_view self, std::string_view value) {
   const std::size_t before = visits_;
-  std::vector<Frame> path{{nullptr, self, ZmTextCursor(value), 0}};
+  std::vector<Reading> path{{nullptr, self, ZmTextCursor(value), 0}};
   std::vector<Node*> open;  // visited, and it is not known yet with which ones they are in a circle
   while (!path.empty()) {
     Node* from = path.back().node;
@@ -152,10 +156,10 @@ void ZmConfigExpander::search(std::string_view self, std::string_view value) {
 }
 
 // The next option that must be expanded for this one.
-ZmConfigExpander::Node* ZmConfigExpander::edge(Frame& frame) {
-  while (!frame.in.eof()) {
-    const ZmConfigPiece piece = scope_.next(frame.in, frame.self);
-    if (!piece.value || !piece.qualified || cut(frame.node, *piece.value)) continue;
+ZmConfigExpander::Node* ZmConfigExpander::edge(Reading& reading) {
+  while (!reading.in.eof()) {
+    const ZmConfigPiece piece = scope_.next(reading.in, reading.self);
+    if (!piece.value || !piece.qualified || cut(reading.node, *piece.value)) continue;
     if (!zm_has_reference(zm_view(*piece.value))) continue;
     Node& to = node(piece);
     if (!stands(to)) return &to;
@@ -190,6 +194,7 @@ ZmConfigExpander::Node* ZmConfigExpander::circle(Node& node) {
   return at;
 }
 
+// An option that has no node yet has not been met by any search, so it is in no circle.
 // Whether both options are in one circle.
 bool ZmConfigExpander::cut(Node* from, const ZmString& to) {
   if (!from || !from->circle) return false;
@@ -197,6 +202,8 @@ bool ZmConfigExpander::cut(Node* from, const ZmString& to) {
   return met != nodes_.end() && circle(*from) == circle(met->second);
 }
 
+// By the place of the text: a section keeps its values where they are while a reading expands them,
+// and a map that grows does not move its nodes, which lead to each other.
 ZmConfigExpander::Node& ZmConfigExpander::node(const ZmConfigPiece& piece) {
   const auto [at, made] = nodes_.try_emplace(piece.value);
   Node& node = at->second;
@@ -208,12 +215,15 @@ ZmConfigExpander::Node& ZmConfigExpander::node(const ZmConfigPiece& piece) {
   return node;
 }
 
+// What is too long for a text fails before memory for it is asked for.
 void ZmConfigExpander::append(std::string_view text) {
   if (text.size() >= INT_MAX - (out_.size() - start_)) throw std::bad_alloc();
   out_ += text;
 }
 
-void ZmConfigExpander::tell(Frame& frame, const ZmConfigPiece& piece, bool circle) {
+// What the reference gives is told where it is known already; of an option that has to be expanded
+// first the observer learns it by leave().
+void ZmConfigExpander::tell(Reading& reading, const ZmConfigPiece& piece, bool circle) {
   std::string_view result = piece.text;
   bool nested = false;
   if (piece.value && !circle) {
@@ -224,7 +234,7 @@ void ZmConfigExpander::tell(Frame& frame, const ZmConfigPiece& piece, bool circl
       result = nested ? "" : std::string_view(out_).substr(to.start, to.length);
     }
   }
-  const ZmString* option = frame.node ? frame.node->value : option_;
-  observer_->use({option, frame.self, scope_.name, frame.references++, chain_.size() - 1, piece,
+  const ZmString* option = reading.node ? reading.node->value : option_;
+  observer_->use({option, reading.self, scope_.name, reading.told++, chain_.size() - 1, piece,
                   circle, nested, result});
 }

@@ -63,20 +63,20 @@ class ZmConfigExpander {
     std::size_t low = 0;     // ... and the first place that it leads back to
   };
   // A value that is being read: the one asked for, which may have no node, or one under it.
-  struct Frame {
+  struct Reading {
     Node* node;
     std::string_view self;
     ZmTextCursor in;
-    std::size_t start;           // of its result in out_
-    bool scoped = false;         // the result depends on the scope
-    std::size_t references = 0;  // told to the observer
+    std::size_t start;     // of its result in out_
+    bool scoped = false;   // the result depends on the scope
+    std::size_t told = 0;  // references, to the observer
   };
   bool walk(std::string_view self, std::string_view value, const ZmString* option);
-  Node* step(Frame& frame);
+  Node* step(Reading& reading);
   void enter(Node* node, std::string_view self, std::string_view value);
   void leave();
   void search(std::string_view self, std::string_view value);
-  Node* edge(Frame& frame);
+  Node* edge(Reading& reading);
   static void close(Node& first, std::vector<Node*>& open);
   static void join(Node& node, Node& with);
   static Node* circle(Node& node);
@@ -85,20 +85,20 @@ class ZmConfigExpander {
   bool stands(const Node& node) const { return node.stands == kEver || node.stands == epoch_; }
   void forget();
   void append(std::string_view text);
-  void tell(Frame& frame, const ZmConfigPiece& piece, bool circle);
+  void tell(Reading& reading, const ZmConfigPiece& piece, bool circle);
 
   ZmConfigScope scope_;
   ZmConfigObserver* observer_;        // null: nobody wants to know
   const ZmString* option_ = nullptr;  // that is asked for
   std::unordered_map<const ZmString*, Node> nodes_;
-  std::vector<Frame> chain_;
+  std::vector<Reading> chain_;
   // Remembered results, one in the other as they were made, and the result at hand behind them.
   std::string out_;
-  std::size_t start_ = 0;   // where the result at hand begins
-  std::size_t kept_ = 0;    // where remembered results end ...
-  std::size_t free_ = 0;    // ... and those that do not depend on the scope
-  std::size_t epoch_ = 1;   // results that depend on the scope stand for one epoch
-  std::size_t visits_ = 0;  // places given by all searches
+  std::size_t start_ = 0;       // where the result at hand begins
+  std::size_t remembered_ = 0;  // where remembered results end ...
+  std::size_t lasting_ = 0;     // ... and those that do not depend on the scope
+  std::size_t epoch_ = 1;       // results that depend on the scope stand for one epoch
+  std::size_t visits_ = 0;      // places given by all searches
 };
 
 #endif

@@ -53,8 +53,8 @@ Steps followed(const Names& watched, const Name& name) {
 
 }  // namespace
 
-ZmConfigCheck::History ZmConfigHistory::of(std::string_view source, bool lowercase,
-                                           const Name& name) {
+ZmConfigCheckTypes::History ZmConfigHistory::of(std::string_view source, bool lowercase,
+                                                const Name& name) {
   Names watched{{name, {}}};
   std::size_t before = 0;
   for (std::size_t pass = 0; pass < kDeepest && before < watched.size(); ++pass) {
@@ -64,7 +64,7 @@ ZmConfigCheck::History ZmConfigHistory::of(std::string_view source, bool lowerca
     for (const auto& step : followed(watched, name))
       watched.try_emplace({step.section, step.option});
   }
-  ZmConfigCheck::History history = std::move(watched[name].history);
+  ZmConfigCheckTypes::History history = std::move(watched[name].history);
   history.references = followed(watched, name);
   return history;
 }
@@ -79,7 +79,7 @@ ZmConfigHistory::Watched* ZmConfigHistory::watched(std::string_view section,
   return at == watched_.end() ? nullptr : &at->second;
 }
 
-ZmConfigCheck::Place ZmConfigHistory::place(std::size_t at, std::size_t length) const {
+ZmConfigCheckTypes::Place ZmConfigHistory::place(std::size_t at, std::size_t length) const {
   const ZmConfigPosition here = places().at(at);
   return {here.line, here.column, here.offset, length};
 }
@@ -91,7 +91,7 @@ void ZmConfigHistory::stored(const ZmConfig& section, const ZmString& value, con
   if (!watch) return;
   watch->history.value = zm_view(value);
   const Written& line = written(source(value).written);
-  ZmConfigCheck::Assignment& set = watch->history.assignments.emplace_back();
+  ZmConfigCheckTypes::Assignment& set = watch->history.assignments.emplace_back();
   set.label = place(line.label_at, line.label.size());
   set.value = place(line.value_at, line.end - line.value_at);
   set.raw = line.raw;

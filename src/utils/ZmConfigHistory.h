@@ -15,9 +15,9 @@ class ZmConfigHistory : private ZmConfigSurvey {
  public:
   using Name = std::pair<std::string, std::string>;  // a section and an option
   // The references of an option in one scope.
-  using Steps = std::vector<ZmConfigCheck::Reference>;
+  using Steps = std::vector<ZmConfigCheckTypes::Reference>;
   struct Watched {
-    ZmConfigCheck::History history;
+    ZmConfigCheckTypes::History history;
     std::map<std::string, Steps> scopes;
     std::string last;  // scope that it was read in
   };
@@ -29,7 +29,7 @@ class ZmConfigHistory : private ZmConfigSurvey {
   void run(bool lowercase) { ZmConfigSurvey::run(lowercase); }
 
   // The history of one option: reads the text until nothing is left to follow.
-  static ZmConfigCheck::History of(std::string_view source, bool lowercase, const Name& name);
+  static ZmConfigCheckTypes::History of(std::string_view source, bool lowercase, const Name& name);
 
  private:
   struct Open {
@@ -43,7 +43,7 @@ class ZmConfigHistory : private ZmConfigSurvey {
   void expanded(const ZmConfig& section, const ZmString& value, std::string_view result) override;
   Watched* watched(std::string_view section, const ZmString& value);
   std::string joined(const ZmConfig& section, const ZmString& value) const;
-  ZmConfigCheck::Place place(std::size_t at, std::size_t length) const;
+  ZmConfigCheckTypes::Place place(std::size_t at, std::size_t length) const;
 
   Names& watched_;
   std::vector<Open> open_;  // the references whose options are being expanded, by their depth

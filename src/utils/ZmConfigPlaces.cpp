@@ -10,6 +10,8 @@ bool kept(char c) { return ZmConfigScanner::kept(c); }
 
 }  // namespace
 
+// For each line where it starts, before and after bytes are dropped. A pair of CR and LF ends one
+// line, as editors count.
 ZmConfigPlaces::ZmConfigPlaces(std::string_view source) : source_(source), lines_(1) {
   for (const char c : source) {
     ++end_.source;
@@ -25,6 +27,8 @@ bool ZmConfigPlaces::whole(std::size_t index) const {
   return behind.source - lines_[index].source == behind.cleaned - lines_[index].cleaned;
 }
 
+// Only a line that lost bytes is walked. Places are mostly asked for in the order of the text, so
+// the walk goes on from the last one: a line of megabytes is not walked for each of its findings.
 ZmConfigPosition ZmConfigPlaces::at(std::size_t cleaned) const {
   const auto after = std::ranges::upper_bound(lines_, cleaned, {}, &Line::cleaned);
   const auto index = static_cast<std::size_t>(after - lines_.begin() - 1);
@@ -68,6 +72,7 @@ std::size_t ZmConfigPlaces::dropped(long number) const {
                           : lines_[index].source + static_cast<std::size_t>(at - text.begin());
 }
 
+// A byte that was dropped has the place of the next one that was not.
 std::size_t ZmConfigPlaces::cleaned(std::size_t offset) const {
   const ZmConfigPosition place = source(offset);
   const Line& line = lines_[static_cast<std::size_t>(place.line) - 1];

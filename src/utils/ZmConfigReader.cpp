@@ -9,12 +9,13 @@
 #include "ZmStringList.h"
 #include "ZmText.h"
 
+// What takes a walk over the texts is found once here: an option may go to thousands of sections.
 ZmConfigReader::Option::Option(std::string_view l, std::string_view v)
     : label(l),
       value(v),
       hash(ZmBaseHashTable::hash(l)),
-      references(zm_has_reference(v)),
-      local(references && zm_local_value({}, v) != v) {}
+      refers(zm_has_reference(v)),
+      local(refers && zm_local_value({}, v) != v) {}
 
 void ZmConfigReader::run() {
   advance();
@@ -35,6 +36,9 @@ bool ZmConfigReader::skiplines() {
   return more_;
 }
 
+// Brackets nest, since names hold patterns. What stands in quotes or braces is a token as any other
+// here, so a lone bracket in it counts. Only the names are put in lower case: the warning about a
+// parent shows the header as it is written.
 void ZmConfigReader::header() {
   ZmString name;
   const std::size_t at = token_.offset;
@@ -88,6 +92,9 @@ void ZmConfigReader::inherit(const ZmConfig& parent) {
   spread(options, &parent);
 }
 
+// A name, or a section and a name behind a dot, then "=" and a value. The name behind a dot is one
+// token, and a quote there is taken for the name itself. Where the text ends behind the "=" nothing
+// is stored.
 // False when the line is no option: the file ends there.
 bool ZmConfigReader::option() {
   std::string longer_label;
@@ -162,6 +169,8 @@ std::string_view ZmConfigReader::joined(bool quoted, std::string& longer) {
   return text;
 }
 
+// Called before anything else may look at the current sections or change them: a header whose
+// parents they may be, a qualified option, the end.
 void ZmConfigReader::flush() {
   std::vector<Option> options;
   std::size_t number = waiting_from_;
@@ -184,6 +193,9 @@ void ZmConfigReader::spread(const std::vector<Option>& options, const ZmConfig* 
   }
 }
 
+// "self" and "this" get their meaning here, when an option is stored, and not when it is expanded:
+// children that copy the option later still mean the section that it was written for. A position is
+// noted only where it is sure to be this option's; a label that was known has one that is not told.
 void ZmConfigReader::store(const Target& target, const Option& option) {
   ZmConfig& config = *target.config;
   int label = -1;
@@ -195,11 +207,11 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
   }
   if (observer_) [[unlikely]]
     told(target, label, option);
-  if (!option.references) return;
+  if (!option.refers) return;
   if (target.created == kNone || label < 0) {
     mixed_.insert(&config);
   } else {
-    references_.push_back({target.created, label});
+    referring_.push_back({target.created, label});
   }
 }
 
@@ -239,16 +251,18 @@ std::string_view ZmConfigReader::known(const ZmConfig& section) const {
   return name;
 }
 
+// Each section is expanded before those that were made earlier, which parents are: values refer to
+// what others hold at that moment, so this order shows in the result and files rely on it.
 // The sections from the last one made to the first, their options in label order.
 void ZmConfigReader::expand() {
   ZmConfigExpander expander(sections_, observer_);
-  if (!std::is_sorted(references_.begin(), references_.end()))
-    std::sort(references_.begin(), references_.end());
-  auto end = references_.end();
+  if (!std::is_sorted(referring_.begin(), referring_.end()))
+    std::sort(referring_.begin(), referring_.end());
+  auto end = referring_.end();
   for (std::size_t i = created_.size(); i-- > 0;) {
     ZmConfig& config = *created_[i];
     auto begin = end;
-    while (begin != references_.begin() && std::prev(begin)->created == i) --begin;
+    while (begin != referring_.begin() && std::prev(begin)->created == i) --begin;
     if (!mixed_.empty() && mixed_.contains(&config)) {
       for (int label = 0; label < config.length(); ++label) expand(expander, config, label);
     } else {
@@ -258,6 +272,7 @@ void ZmConfigReader::expand() {
   }
 }
 
+// The value is looked at again: a later line may have replaced the one with references.
 void ZmConfigReader::expand(ZmConfigExpander& expander, ZmConfig& config, int label) {
   const ZmString& value = config.value(label);
   if (!zm_has_reference(zm_view(value))) return;

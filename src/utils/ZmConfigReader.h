@@ -43,16 +43,16 @@ class ZmConfigReader {
     std::string_view label;
     std::string_view value;
     ZmBaseHashTable::Hash hash;        // of the label
-    bool references;                   // whether the value holds any
+    bool refers;                       // whether the value holds references
     bool local;                        // whether they name "self" or "this"
     const ZmConfig* parent = nullptr;  // that lends it
     std::size_t number = 0;            // its place there, or among the lines told to the observer
   };
   // A new option with references, at this position of a created section.
-  struct Reference {
+  struct Referring {
     std::size_t created;
     int label;
-    auto operator<=>(const Reference&) const = default;
+    auto operator<=>(const Referring&) const = default;
   };
 
   void advance() {
@@ -91,9 +91,9 @@ class ZmConfigReader {
   std::size_t waiting_from_ = 0;    // number of the first of these among the options read
   std::size_t lines_ = 0;           // options read so far
   std::vector<ZmConfig*> created_;  // the sections made by this reading
-  // Where the references stand, so that the many options without any are not looked at again; but
+  // Which options refer to others, so that the many without a "$" are not looked at again; but
   // sections that got some in another way are read through.
-  std::vector<Reference> references_;
+  std::vector<Referring> referring_;
   std::unordered_set<const ZmConfig*> mixed_;
 };
 

@@ -13,6 +13,7 @@ std::string_view zm_value_word(ZmTextCursor& in) {
   return kSign.has(in.peek()) ? in.take() : in.until(kWordStop);
 }
 
+// Only the word right behind the "$" is looked at: in "$farm.self" it names an option.
 std::string zm_local_value(std::string_view section, std::string_view value) {
   std::string local;
   for (ZmTextCursor in(value); !in.eof();) {
@@ -26,6 +27,8 @@ std::string zm_local_value(std::string_view section, std::string_view value) {
   return local;
 }
 
+// Everything odd about references is here and nowhere else. Farms have values that rest on each of
+// these steps, so their order is part of the format: which text is lost depends on it.
 ZmConfigPiece ZmConfigScope::next(ZmTextCursor& in, std::string_view self) const {
   ZmConfigPiece piece;
   if (!in.is('$')) {

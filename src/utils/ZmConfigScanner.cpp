@@ -35,6 +35,8 @@ ZmConfigScanner::ZmConfigScanner(std::string_view source)
   in_ = ZmTextCursor(text_);
 }
 
+// Blanks separate and are no tokens, but for those at the very end; a comment goes up to its line
+// end, which stays a token, since it ends the option before it.
 bool ZmConfigScanner::next(ZmConfigToken& token) {
   if (pending_ != Pending::kNone) return pending(token);
   bool blank = !in_.skip(kBlank).empty();
@@ -62,6 +64,8 @@ bool ZmConfigScanner::next(ZmConfigToken& token) {
   return true;
 }
 
+// A quoted value comes as three tokens, its content in the middle, however empty: so the reader can
+// tell "" from nothing, and never takes a sign in quotes for the end of the value.
 bool ZmConfigScanner::pending(ZmConfigToken& token) {
   if (pending_ == Pending::kContent) {
     token = content_;
@@ -101,6 +105,7 @@ std::string_view ZmConfigScanner::quoted() {
   return escaped ? unescaped(text, '"', true) : text;
 }
 
+// Tokens lend what is made here until the scanner goes: it must not move when more comes.
 std::string_view ZmConfigScanner::unescaped(std::string_view text, char close, bool backslash) {
   std::string& plain = unescaped_.emplace_front();
   plain.reserve(text.size());

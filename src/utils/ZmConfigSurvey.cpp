@@ -17,19 +17,12 @@ constexpr std::string_view kLineEnd = "\r\n";
 
 std::uint32_t narrow(std::size_t n) { return static_cast<std::uint32_t>(n); }
 
-// The rules of one kind.
-template <class Find>
-const std::vector<const ZmConfigCheckRule*>& rules_of() {
-  static const auto rules = [] {
-    std::vector<const ZmConfigCheckRule*> found;
-    for (const ZmConfigCheckRule& rule : zm_config_check_rules())
-      if (std::holds_alternative<Find>(rule.find)) found.push_back(&rule);
-    return found;
-  }();
-  return rules;
-}
-
 }  // namespace
+
+ZmConfigSurvey::ZmConfigSurvey(std::string_view source, std::span<const Rule> rules)
+    : scanner_(source), places_(source), rules_(rules) {
+  for (const Rule& rule : rules) kinds_[rule.find.index()].push_back(&rule);
+}
 
 // ---- For rules ----
 
@@ -156,6 +149,7 @@ void ZmConfigSurvey::option(const ZmConfigLine& line) {
   next();
 }
 
+// The reader goes no further, but a comment on this line may still ask for silence about it.
 void ZmConfigSurvey::stop(const ZmConfigStop& stop) {
   stop_ = line_end(stop.at);
   ZmConfigScanner rest(text().substr(stop.at, stop_ - stop.at));
@@ -179,6 +173,7 @@ std::string_view ZmConfigSurvey::keep(std::string_view text) {
   return keeps(text) ? text : kept_.emplace_back(text);
 }
 
+// By std::less, which orders pointers of different texts too.
 bool ZmConfigSurvey::keeps(std::string_view text) const {
   const std::string_view all = this->text();
   return std::less_equal<>()(all.data(), text.data()) &&
@@ -214,19 +209,18 @@ void ZmConfigSurvey::silence(std::size_t at, std::size_t names) {
   for (in.skip(kBetween); !in.eof(); in.skip(kBetween)) {
     const std::size_t place = end - in.left();
     const std::string_view name = in.until(kStop);
-    const auto rules = zm_config_check_rules();
-    const auto rule = std::ranges::find(rules, name, [](const Rule& r) { return r.rule.name; });
-    if (rule == rules.end()) {
+    const auto rule = std::ranges::find(rules_, name, [](const Rule& r) { return r.rule.name; });
+    if (rule == rules_.end()) {
       unknown_.push_back({place, name});
     } else {
-      silence.rules |= 1U << (rule - rules.begin());
+      silence.rules |= 1U << (rule - rules_.begin());
     }
   }
   silences_.push_back(silence);
 }
 
 bool ZmConfigSurvey::silenced(const Found& found) const {
-  const std::uint32_t bit = 1U << (found.rule - zm_config_check_rules().data());
+  const std::uint32_t bit = 1U << (found.rule - rules_.data());
   const auto after = std::ranges::upper_bound(silences_, found.mark.at, {}, &Silence::from);
   // Of two comments, one above the line and one on it, both count.
   for (auto at = after; at != silences_.begin() && after - at < 2;) {
@@ -255,6 +249,8 @@ void ZmConfigSurvey::use(const ZmConfigUse& use) {
                    std::string(use.piece.section) + "." + std::string(use.piece.label)});
 }
 
+// The text is made for the first section only: it costs more than the verdict, and there may be
+// thousands of sections with the same line.
 void ZmConfigSurvey::judge(const Rule& rule, const ZmConfigUse& use, std::uint32_t written) {
   const auto find = std::get<ZmUseRule>(rule.find);
   const Spot spot{written, narrow(use.number), &rule};

@@ -3,17 +3,19 @@
 #ifndef ZM_CONFIG_SURVEY_H
 #define ZM_CONFIG_SURVEY_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <variant>
 #include <vector>
 
-#include "ZmConfigCheck.h"
-#include "ZmConfigCheckRules.h"
+#include "ZmConfigCheckRule.h"
 #include "ZmConfigHash.h"
 #include "ZmConfigObserver.h"
 #include "ZmConfigPlaces.h"
@@ -63,7 +65,8 @@ class ZmConfigSurvey : public ZmConfigObserver {
     std::size_t source = ZmConfigScanner::kNone;  // place of a byte that is not in the text
   };
 
-  explicit ZmConfigSurvey(std::string_view source) : scanner_(source), places_(source) {}
+  // Borrows both. Without rules it watches, and finds nothing.
+  explicit ZmConfigSurvey(std::string_view source, std::span<const Rule> rules = {});
 
   // For rules: what they find goes to the rule that is being asked.
   void report(std::size_t at, std::size_t length, std::string text, std::vector<Mark> notes = {});
@@ -148,6 +151,10 @@ class ZmConfigSurvey : public ZmConfigObserver {
     std::uint32_t rules;
   };
 
+  template <class Find>
+  const std::vector<const Rule*>& rules_of() const {
+    return kinds_[decltype(Rule::find)(Find()).index()];
+  }
   template <class Find, class... Thing>
   void ask(const Thing&... thing);
   void next();
@@ -169,6 +176,9 @@ class ZmConfigSurvey : public ZmConfigObserver {
   ZmConfigScanner scanner_;  // gives the cleaned text
   ZmConfigPlaces places_;
   std::deque<std::string> kept_;  // texts that are no piece of the cleaned one
+  std::span<const Rule> rules_;
+  // The same by their kinds: most are asked about few things, and few about every token.
+  std::array<std::vector<const Rule*>, std::variant_size_v<decltype(Rule::find)>> kinds_;
   const Rule* asked_ = nullptr;
 
   std::vector<Heading> headings_;

@@ -29,6 +29,8 @@ void through(ZmConfig& in, int c) {
 
 // The three forms of a value. Each appends it to `out` and gives the last byte read, 0 when the
 // text ended.
+// The quote that opened it closes it, and so does a line end. Nothing is escaped: a value with both
+// kinds of quotes has to stand in braces.
 int quoted(ZmConfig& in, ZmString& out) {
   const int quote = in.get();
   while (!in.eof()) {
@@ -39,6 +41,7 @@ int quoted(ZmConfig& in, ZmString& out) {
   return 0;
 }
 
+// Braces nest, over lines; the outermost pair is no part of the value.
 int braced(ZmConfig& in, ZmString& out) {
   in.get();
   for (int depth = 1; !in.eof();) {
@@ -50,6 +53,7 @@ int braced(ZmConfig& in, ZmString& out) {
   return 0;
 }
 
+// Ends at a byte above 127 too, since that is negative here; the byte is used up.
 int plain(ZmConfig& in, ZmString& out) {
   while (!in.eof()) {
     const int c = in.get();
@@ -143,6 +147,7 @@ bool ZmConfig::_header() {
   return true;
 }
 
+// Blanks inside a label are dropped, so "max jobs" is "maxjobs" here, unlike in macro files.
 // False only where the text ended: whatever else the line holds, it is used up.
 bool ZmConfig::_option() {
   ZmString label;
@@ -176,6 +181,9 @@ ZmString ZmConfig::loadtemplate(const ZmString& path) const {
   return usetemplate(ZmFile::load(path));
 }
 
+// An option goes to the first line of its label, commented out or not; further such lines go. The
+// line that announces what the template lacks is left out and made anew, so that a result can serve
+// as the next template without growing.
 ZmString ZmConfig::usetemplate(const ZmString& text) const {
   ZmString result;
   std::unordered_set<std::string> used;  // labels that need no mention any more

@@ -87,6 +87,7 @@ bool ZmDebug::_open() {
   return process().open = true;
 }
 
+// A clock that tells nothing is no reason to lose what is logged behind the mark.
 ZmDebug& ZmDebug::mark() {
   std::tm local{};
   return localnow(local) ? *this << prefix(local) : *this;

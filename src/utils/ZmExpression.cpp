@@ -61,6 +61,7 @@ ZmExpression& ZmExpression::operator=(const ZmExpression& other) {
   return *this;
 }
 
+// The last node that holds a source of values destroys it: many trees share one.
 ZmExpression::~ZmExpression() {
   _destroy(a_);
   _destroy(b_);
@@ -69,6 +70,7 @@ ZmExpression::~ZmExpression() {
   if (reference_->count() < 1) delete reference_;
 }
 
+// Into a temporary: the other may be a part of this tree, or memory may end halfway.
 void ZmExpression::copy(const ZmExpression& other) {
   if (this == &other) return;
   struct Pair {
@@ -171,6 +173,7 @@ unsigned char ZmExpression::isvalid() const {
   return 1;
 }
 
+// Once for each place where a variable stands, from the right to the left.
 void ZmExpression::variables(ZmStringList& out) const {
   ZmExpressionStack<const ZmExpression*> pending;
   for (pending.push(this); !pending.empty();) {

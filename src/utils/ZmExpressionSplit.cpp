@@ -21,6 +21,8 @@ std::string_view commandquoted(ZmTextCursor& in) {
   return in.take(end + 1);
 }
 
+// Names are upper case; what stands between them is one token, blanks included, so that the tokens
+// of a command join back to it.
 std::string_view commandtoken(ZmTextCursor& in) {
   if (kQuote.has(in.peek())) return commandquoted(in);
   if (kParen.has(in.peek())) return in.take();
@@ -63,6 +65,7 @@ void ZmExpression::split(const ZmString& source, ZmStringList& elements) {
   zm_split(zm_view(source), elements);
 }
 
+// Each element is its own key: what is asked is only whether it is there.
 void ZmExpression::split(const ZmString& source, ZmStringHash& elements) {
   ZmStringList list;
   split(source, list);
@@ -107,6 +110,7 @@ void ZmExpression::splitperiod(const ZmString& source, ZmString& left, ZmString&
   zm_append(right, text.substr(std::min(end + 1, text.size())));
 }
 
+// At the first "=", so that the right part may hold more of them.
 unsigned char ZmExpression::splitequal(const ZmString& source, ZmString& left, ZmString& right) {
   const std::string_view text = zm_view(source);
   const std::size_t end = std::min(text.find('='), text.size());

@@ -113,6 +113,7 @@ void ZmFile::append(const ZmString& path, const ZmString& text) { put(path, "a",
 
 unsigned char ZmFile::exists(const ZmString& path) { return zm_regular_file(path); }
 
+// Asks by trying, so permissions of groups and read-only disks count. The file exists afterwards.
 unsigned char ZmFile::writable(const ZmString& path) { return opens(path, O_APPEND); }
 
 long long ZmFile::size(const ZmString& path) { return status(path).st_size; }
@@ -154,6 +155,7 @@ ZmString ZmFile::dirbase(const ZmString& path) {
   return slash == std::string_view::npos ? ZmString() : zm_string(text.substr(0, slash));
 }
 
+// Unique among the names that processes of this machine make at one time; no file is made.
 ZmString ZmFile::uniquefile() {
   ZmString name("torvel");
   name += static_cast<int>(::getpid());

@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kBlock = 4096;  // bytes by which a text grows at least
 
+// Closes what it holds. A failure to close a file that was only read means nothing.
 class Descriptor {
  public:
   explicit Descriptor(int fd) : fd_(fd) {}

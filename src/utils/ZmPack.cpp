@@ -32,6 +32,8 @@ ZmPack::State& ZmPack::_state() {
   return *state_;
 }
 
+// All levels write into one buffer and read from one place, so a record costs no copy however deep
+// it nests. In between the object around has no state of its own.
 ZmPack::Loan::Loan(ZmPack& from, ZmPack& to) : from_(from), to_(to) {
   to_.state_ = std::move(from_.state_);
   ++to_.state_->depth;
@@ -40,11 +42,25 @@ ZmPack::Loan::Loan(ZmPack& from, ZmPack& to) : from_(from), to_(to) {
 // The object may have dropped what it was lent.
 ZmPack::Loan::~Loan() {
   from_.state_ = std::move(to_.state_);
-  if (from_.state_) --from_.state_->depth;
+  if (from_.state_ && from_.state_->depth > 0) --from_.state_->depth;
+}
+
+void ZmPack::_restoreItem(ZmPackObj& item, ZmPack& value) {
+  const Loan loan(*this, value);
+  value._decodeXML(item);
+}
+
+// The element around is at hand again afterwards, for the members that follow.
+void ZmPack::_decodeXML(ZmPackObj& element) {
+  const Place outside = std::exchange(_state().at, {});
+  state_->at.element = &element;
+  decodeXML();
+  _state().at = outside;
 }
 
 // --- writing ---
 
+// Lent until more is asked for: the buffer may move then.
 unsigned char* ZmPack::_room(long long n) {
   const long long need = _state().used + n;
   if (need > state_->capacity) _grow(need);
@@ -69,6 +85,7 @@ void ZmPack::_store(const void* bytes, int n) {
   if (bytes && n > 0) std::memcpy(_room(n), bytes, static_cast<std::size_t>(n));
 }
 
+// A tag has 16 bits in the record; of a larger one these are what is left.
 unsigned char* ZmPack::_field(int tag, int code, long long payload) {
   unsigned char* at = _room(kHeader + payload);
   zm_put_big_endian(at, static_cast<std::int16_t>(tag));
@@ -168,6 +185,7 @@ int ZmPack::recover(const ZmString& path) {
   return unpack(data.value(), data.length()) == 0 ? data.length() : 0;
 }
 
+// Whatever decode() leaves alone is skipped, which is how old programs read new records.
 void ZmPack::_fields() {
   while (_next()) {
     decode();
@@ -175,6 +193,7 @@ void ZmPack::_fields() {
   }
 }
 
+// A rest that is no whole header ends the record as a payload that is cut short does.
 bool ZmPack::_next() {
   if (!state_ || state_->at.left < kHeader) return false;
   const unsigned char* header = _bytes(kHeader);
@@ -194,6 +213,7 @@ const unsigned char* ZmPack::_bytes(int n) {
   return bytes;
 }
 
+// A field is taken once: a second restore() of its tag in the same decode() finds nothing.
 template <class T>
 bool ZmPack::_take(int tag, int code, T& value) {
   if (!state_ || _consumed() || _tag() != tag || _code() != code) return false;
@@ -214,6 +234,7 @@ void ZmPack::restore(int tag, float& value) {
   if (_take(tag, kFloat, bits)) value = std::bit_cast<float>(bits);
 }
 
+// The length is read as an int field of its own would be, then the bytes.
 // A field whose payload turns out to be short does not count as taken.
 void ZmPack::restore(int tag, ZmString& value) {
   int length = 0;
@@ -253,6 +274,7 @@ bool ZmPack::_offers(int tag, const ZmPack& value) const {
   return zm_get_big_endian<int>(at.cursor) == value.type() && length >= 0 && length <= at.left - 8;
 }
 
+// Of any type: the length is all that it takes to get past it.
 void ZmPack::trashObj(int tag) {
   int type = 0;
   if (!_take(tag, kNested, type)) return;

@@ -1,11 +1,12 @@
 #include "ZmPackObj.h"
 
+#include <memory>
 #include <new>
 #include <utility>
 #include <vector>
 
-#include "ZmPackObjHash.h"
-#include "ZmPackObjList.h"
+#include "ZmBaseHash.h"
+#include "ZmBaseList.h"
 #include "ZmText.h"
 
 namespace {
@@ -13,6 +14,12 @@ namespace {
 constexpr int kFew = 8;  // so few elements, or searches among many, go without an index
 
 }  // namespace
+
+// Elements, and what find() has made for them. Most elements hold a text and have none of it.
+struct ZmPackObj::Inside : ZmBaseList<ZmPackObj> {
+  ZmBaseHash<ZmPackObj>* index = nullptr;  // by name, lends them; made when it pays
+  int searches = 0;                        // since an element came or went
+};
 
 ZmPackObj::~ZmPackObj() { _clear(); }
 
@@ -38,10 +45,11 @@ void ZmPackObj::_clear() {
 }
 
 void ZmPackObj::_forget() const {
-  searches_ = 0;
-  if (!index_) return;
-  index_->release();
-  delete std::exchange(index_, nullptr);
+  if (!inside_) return;
+  inside_->searches = 0;
+  if (!inside_->index) return;
+  inside_->index->release();
+  delete std::exchange(inside_->index, nullptr);
 }
 
 void ZmPackObj::copy(const ZmPackObj& other) {
@@ -51,9 +59,9 @@ void ZmPackObj::copy(const ZmPackObj& other) {
   while (!open.empty()) {
     const auto [from, to] = open.back();
     open.pop_back();
-    to->name_ = from->name_;
-    if (from->key_) to->key_ = std::make_unique<ZmString>(*from->key_);
-    if (from->text_) to->text_ = std::make_unique<ZmString>(*from->text_);
+    to->name_._fit(from->name_);
+    if (from->key_) to->key_.reset(new ZmString(*from->key_));
+    if (from->text_) to->text_.reset(new ZmString(*from->text_));
     for (int i = 0; i < from->length(); ++i) {
       auto element = std::make_unique<ZmPackObj>();
       open.emplace_back(from->get(i), element.get());
@@ -62,7 +70,7 @@ void ZmPackObj::copy(const ZmPackObj& other) {
     }
   }
   _clear();
-  name_ = made.name_;
+  name_._fit(made.name_);
   key_ = std::move(made.key_);
   text_ = std::move(made.text_);
   std::swap(inside_, made.inside_);
@@ -74,31 +82,32 @@ ZmPackObj* ZmPackObj::get(int i) const { return inside_ ? inside_->get(i) : null
 
 // From the end, here and for the index: of several elements of one name the last counts.
 ZmPackObj* ZmPackObj::find(const ZmString& name) const {
-  if (length() > kFew && ++searches_ > kFew) return _indexed(name);
+  if (length() > kFew && ++inside_->searches > kFew) return _indexed(name);
   for (int i = length() - 1; i >= 0; --i)
     if (zm_view(get(i)->name()) == zm_view(name)) return get(i);
   return nullptr;
 }
 
 ZmPackObj* ZmPackObj::_indexed(const ZmString& name) const {
-  if (!index_) {
-    index_ = new ZmPackObjHash;
+  auto*& index = inside_->index;
+  if (!index) {
+    index = new ZmBaseHash<ZmPackObj>;
     for (int i = length() - 1; i >= 0; --i)
-      if (!index_->get(get(i)->name())) index_->set(get(i), get(i)->name());
+      if (!index->get(get(i)->name())) index->set(get(i), get(i)->name());
   }
-  return index_->get(name);
+  return index->get(name);
 }
 
-void ZmPackObj::name(std::shared_ptr<const ZmString> name) { name_ = std::move(name); }
-void ZmPackObj::key(std::unique_ptr<ZmString> key) { key_ = std::move(key); }
-void ZmPackObj::text(std::unique_ptr<ZmString> text) { text_ = std::move(text); }
-std::unique_ptr<ZmString> ZmPackObj::takekey() { return std::move(key_); }
-std::unique_ptr<ZmString> ZmPackObj::taketext() { return std::move(text_); }
+void ZmPackObj::name(const ZmString& name) { name_._fit(name); }
+void ZmPackObj::key(ZmOwned<ZmString> key) { key_ = std::move(key); }
+void ZmPackObj::text(ZmOwned<ZmString> text) { text_ = std::move(text); }
+ZmOwned<ZmString> ZmPackObj::takekey() { return std::move(key_); }
+ZmOwned<ZmString> ZmPackObj::taketext() { return std::move(text_); }
 
 void ZmPackObj::push(ZmPackObj* element) {
   if (!element) return;
   _forget();  // the index lacks the new element
-  if (!inside_) inside_ = new ZmPackObjList;
+  if (!inside_) inside_ = new Inside;
   inside_->_room();
   inside_->push(element);
   text_.reset();

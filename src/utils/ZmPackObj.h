@@ -1,14 +1,9 @@
 #ifndef ZM_PACK_OBJ_H
 #define ZM_PACK_OBJ_H
 
-#include <memory>
-
 #include "ZmBase.h"
+#include "ZmOwned.h"
 #include "ZmString.h"
-#include "ZmText.h"
-
-class ZmPackObjHash;
-class ZmPackObjList;
 
 /// One element of an XML text that has been read: a name, perhaps a key, and either a text or the
 /// elements inside it, in their order. unpackXML() reads a text into a tree of these.
@@ -30,7 +25,7 @@ class ZM_EXPORT ZmPackObj : public ZmBase {
 
   /// @name What was read; lent until the next change
   /// @{
-  const ZmString& name() const { return name_ ? *name_ : zm_no_text(); }  ///< The element's name.
+  const ZmString& name() const { return name_; }  ///< The element's name.
   /// The key under which it stands in a hash; null when it has none.
   const ZmString* key() const { return key_.get(); }
   /// The text; null when the element holds elements, or when its encoding can't be read.
@@ -44,27 +39,27 @@ class ZM_EXPORT ZmPackObj : public ZmBase {
 
   /// @name Building and taking apart
   /// @{
-  void name(std::shared_ptr<const ZmString> name);  ///< Sets the name; often shared.
-  void key(std::unique_ptr<ZmString> key);          ///< Sets the key; null: none.
-  void text(std::unique_ptr<ZmString> text);        ///< Sets the text; null: none.
-  std::unique_ptr<ZmString> takekey();              ///< The key, now the caller's.
-  std::unique_ptr<ZmString> taketext();             ///< The text, now the caller's.
+  void name(const ZmString& name);    ///< Sets the name.
+  void key(ZmOwned<ZmString> key);    ///< Sets the key; null: none.
+  void text(ZmOwned<ZmString> text);  ///< Sets the text; null: none.
+  ZmOwned<ZmString> takekey();        ///< The key, now the caller's.
+  ZmOwned<ZmString> taketext();       ///< The text, now the caller's.
   /// Puts an element behind those inside and owns it; the text is given up. Null is ignored. Takes
   /// nothing when it throws.
   void push(ZmPackObj* element);
   /// @}
 
  private:
+  struct Inside;
+
   void _clear();
-  void _forget() const;  // drops index_
+  void _forget() const;  // drops the index
   ZmPackObj* _indexed(const ZmString& name) const;
 
-  std::shared_ptr<const ZmString> name_;  // null: empty
-  std::unique_ptr<ZmString> key_;
-  std::unique_ptr<ZmString> text_;
-  ZmPackObjList* inside_ = nullptr;         // null while empty
-  mutable ZmPackObjHash* index_ = nullptr;  // of inside_ by name, lent; made when it pays
-  mutable int searches_ = 0;
+  ZmString name_;
+  ZmOwned<ZmString> key_;
+  ZmOwned<ZmString> text_;
+  Inside* inside_ = nullptr;  // null while empty
 };
 
 #endif

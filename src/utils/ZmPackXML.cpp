@@ -12,7 +12,6 @@
 #include <new>
 #include <string_view>
 #include <system_error>
-#include <utility>
 
 #include "ZmPack.h"
 #include "ZmPackObj.h"
@@ -111,21 +110,21 @@ struct ZmPack::Writer {
   void indent() {
     for (int i = 0; i < pack.state_->depth; ++i) put("  ");
   }
-  // The start tag up to where ">" belongs.
-  void open() {
+  // Up to where ">" belongs.
+  void starttag() {
     indent();
     put("<");
     put(tag);
     if (tag != name) attribute("name", name);
     if (key) attribute("key", zm_view(*key));
   }
-  void close() {
+  void endtag() {
     put("</");
     put(tag);
     put(">\n");
   }
   void leaf(std::string_view text) {
-    open();
+    starttag();
     if (text.empty()) return put("/>\n");
     if (zm_xml_text(text)) {
       put(">");
@@ -134,10 +133,10 @@ struct ZmPack::Writer {
       put(" encoding=\"base64\">");
       put(zm_view(zm_base64(text)));
     }
-    close();
+    endtag();
   }
   void branch(ZmPack& value) {
-    open();
+    starttag();
     put(">\n");
     const int from = pack.state_->used;
     if (&value == &pack) {
@@ -153,7 +152,7 @@ struct ZmPack::Writer {
       return put("/>\n");
     }
     indent();
-    close();
+    endtag();
   }
 
   ZmPack& pack;
@@ -248,19 +247,6 @@ void ZmPack::restoreXML(const ZmString& name, ZmPack& value) {
   if (element && &value != this) _restoreItem(*element, value);
 }
 
-void ZmPack::_restoreItem(ZmPackObj& item, ZmPack& value) {
-  const Loan loan(*this, value);
-  value._decodeXML(item);
-}
-
-// The element around is at hand again afterwards, for the members that follow.
-void ZmPack::_decodeXML(ZmPackObj& element) {
-  const Place outside = std::exchange(_state().at, {});
-  state_->at.element = &element;
-  decodeXML();
-  _state().at = outside;
-}
-
 // Blanks count as nothing: an empty list may have been written by hand, on two lines.
 int ZmPack::_insideXML(const ZmString& name) const {
   const ZmPackObj* element = _xml() ? _xml()->find(name) : nullptr;
@@ -278,8 +264,6 @@ ZmPackObj* ZmPack::_item(int& at) const {
   return nullptr;
 }
 
-ZmOwned<ZmString> ZmPack::_takeItem(ZmPackObj& item, const ZmString*) {
-  return ZmOwned(item.taketext().release());
-}
+ZmOwned<ZmString> ZmPack::_takeItem(ZmPackObj& item, const ZmString*) { return item.taketext(); }
 
-ZmOwned<ZmString> ZmPack::_takeKey(ZmPackObj& item) { return ZmOwned(item.takekey().release()); }
+ZmOwned<ZmString> ZmPack::_takeKey(ZmPackObj& item) { return item.takekey(); }

@@ -16,12 +16,12 @@ namespace {
 using Parser = std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)>;
 
 // After a stop Expat still calls handlers for what it has in hand.
-template <class Step>
-void guarded(void* user, Step step) noexcept {
+template <class Handle>
+void guarded(void* user, Handle handle) noexcept {
   auto& reader = *static_cast<ZmPackXMLReader*>(user);
   if (reader.stopped()) return;
   try {
-    step(reader);
+    handle(reader);
   } catch (const std::bad_alloc&) {
     reader.stop(ZmPackXMLReader::kNoMemory);
   }
@@ -59,11 +59,11 @@ int size(std::string_view text) { return static_cast<int>(text.size()); }
 }  // namespace
 
 void ZmPackStartElement(void* reader, const char* name, const char** attributes) noexcept {
-  guarded(reader, [=](ZmPackXMLReader& to) { to.start(name, attributes); });
+  guarded(reader, [=](ZmPackXMLReader& to) { to.enter(name, attributes); });
 }
 
 void ZmPackEndElement(void* reader, const char*) noexcept {
-  guarded(reader, [](ZmPackXMLReader& to) { to.end(); });
+  guarded(reader, [](ZmPackXMLReader& to) { to.leave(); });
 }
 
 void ZmPackData(void* reader, const char* text, int length) noexcept {
@@ -96,18 +96,11 @@ ZmPackXMLReader::Encoding ZmPackXMLReader::encoding(const char* name) {
   return std::string_view(name) == "base64" ? kBase64 : kUnknown;
 }
 
-std::unique_ptr<ZmString> ZmPackXMLReader::decoded(std::string_view value, Encoding encoding) {
-  if (encoding == kUnknown) return nullptr;
-  if (encoding == kPlain)
-    return std::unique_ptr<ZmString>(ZmString::_exact(value.data(), size(value)));
-  auto bytes = std::make_unique<ZmString>();
-  return zm_from_base64(value, *bytes) ? std::move(bytes) : nullptr;
-}
-
-// The items of a list all have one name, which they share.
-const std::shared_ptr<const ZmString>& ZmPackXMLReader::named(const char* name) {
-  if (!name_ || std::strcmp(name_->value(), name) != 0) name_ = decoded(name, kPlain);
-  return name_;
+ZmOwned<ZmString> ZmPackXMLReader::decoded(std::string_view value, Encoding encoding) {
+  if (encoding == kUnknown) return {};
+  if (encoding == kPlain) return ZmOwned<ZmString>(ZmString::_exact(value.data(), size(value)));
+  ZmOwned<ZmString> bytes(new ZmString);
+  return zm_from_base64(value, *bytes) ? std::move(bytes) : ZmOwned<ZmString>();
 }
 
 // Text beside elements, the indentation above all, is not worth a call.
@@ -117,7 +110,7 @@ void ZmPackXMLReader::listen(bool on) {
   XML_SetCharacterDataHandler(parser_, on ? ZmPackData : nullptr);
 }
 
-void ZmPackXMLReader::start(const char* name, const char** attributes) {
+void ZmPackXMLReader::enter(const char* name, const char** attributes) {
   if (open_.size() >= kDepth) return stop(kRefused);
   auto made = std::make_unique<ZmPackObj>();
   ZmPackObj* element = made.get();
@@ -134,9 +127,10 @@ void ZmPackXMLReader::start(const char* name, const char** attributes) {
   encoding_ = encoding(given.encoding);
   if (given.key) element->key(decoded(given.key, encoding(given.key_encoding)));
   if (given.name && std::strcmp(name, "element") == 0) {
-    element->name(decoded(given.name, encoding(given.name_encoding)));
+    if (const auto odd = decoded(given.name, encoding(given.name_encoding))) element->name(*odd);
   } else {
-    element->name(named(name));
+    name_ = name;
+    element->name(name_);
   }
 }
 
@@ -149,11 +143,11 @@ void ZmPackXMLReader::data(std::string_view text) {
 }
 
 // Only an element without others inside has a text, and that of a leaf is never null.
-void ZmPackXMLReader::end() {
+void ZmPackXMLReader::leave() {
   ZmPackObj& element = *open_.back();
   open_.pop_back();
   if (!leaf_) return;
-  if (!text_) text_ = std::make_unique<ZmString>();
+  if (!text_) text_.reset(new ZmString);
   element.text(encoding_ == kPlain ? std::move(text_) : decoded(zm_view(*text_), encoding_));
   listen(false);
 }

@@ -30,8 +30,8 @@ class ZmPackXMLReader {
   ZmPackObj& root() const { return *root_; }
 
   // What the handlers below are for.
-  void start(const char* name, const char** attributes);
-  void end();
+  void enter(const char* name, const char** attributes);
+  void leave();
   void data(std::string_view text);
   void stop(Result why);
   bool stopped() const { return result_ != kDone; }
@@ -39,20 +39,18 @@ class ZmPackXMLReader {
  private:
   enum Encoding { kPlain, kBase64, kUnknown };
 
-  // The name of the element before, where it is the same one.
-  const std::shared_ptr<const ZmString>& named(const char* name);
   static Encoding encoding(const char* name);
-  static std::unique_ptr<ZmString> decoded(std::string_view value, Encoding encoding);  // or null
+  static ZmOwned<ZmString> decoded(std::string_view value, Encoding encoding);  // or null
   void listen(bool on);  // whether data() is called
 
   XML_ParserStruct* parser_ = nullptr;  // while reading
   Result result_ = kDone;
   std::unique_ptr<ZmPackObj> root_;
   std::vector<ZmPackObj*> open_;  // from the root to the innermost open element
-  std::shared_ptr<const ZmString> name_;
-  bool leaf_ = false;               // nothing has been found inside the innermost one
-  Encoding encoding_ = kPlain;      // of its text
-  std::unique_ptr<ZmString> text_;  // of the same, so far; null: empty
+  ZmString name_;                 // of the last element; its room serves all
+  bool leaf_ = false;             // nothing has been found inside the innermost one
+  Encoding encoding_ = kPlain;    // of its text
+  ZmOwned<ZmString> text_;        // of the same, so far; null: empty
 };
 
 // Expat's handlers; the first argument, its user data, is a ZmPackXMLReader. They throw nothing:

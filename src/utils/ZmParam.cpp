@@ -51,6 +51,7 @@ ZmString valueerror(int kind, const ZmString& argument, const ZmString& value) {
 
 }  // namespace
 
+// First, so that they come first in every list that shows what there is.
 ZmParam::ZmParam() {
   if (!defineFlag("help") || !defineFlag("version")) throw std::bad_alloc();
 }
@@ -171,6 +172,7 @@ unsigned char ZmParam::get(const ZmString& name, int& v) const {
   return 1;
 }
 
+// Without a sign the value is absolute, which "=" stands for.
 unsigned char ZmParam::get(const ZmString& name, int& v, char& sign) const {
   const ZmOption* option = _given(name);
   if (!option || option->value().length() == 0) return 0;
@@ -192,6 +194,7 @@ const ZmOption* ZmParam::_given(const ZmString& name) const {
   return option && option->exists() ? option : nullptr;
 }
 
+// The program's name stands for what is not there: callers print it without asking first.
 const ZmString& ZmParam::arg(int i) const { return i >= 0 && i < count_ ? arguments_[i] : name_; }
 
 void ZmParam::displayHeader() const {

@@ -35,6 +35,7 @@ std::optional<Number> number(ZmTextCursor& in) {
   return Number{static_cast<int>(negative ? 0 - digits.value : digits.value), digits.count};
 }
 
+// Blanks may stand before every number and sign of a range.
 bool mark(ZmTextCursor& in, char c) {
   in.skip(kRangeBlank);
   return in.accept(c);
@@ -114,6 +115,7 @@ void appendspan(ZmString& text, int last, std::int64_t gap) {
   }
 }
 
+// A span of one value is written without "-".
 void pushspan(ZmStringList& out, int first, int last, std::int64_t gap) {
   ZmOwned<ZmString> text(new ZmString(first));
   if (first != last) appendspan(*text, last, gap);
@@ -157,6 +159,7 @@ ZmRange::ZmRange(const ZmRange& other) : ZmBase(other), padding_(other.padding_)
 
 ZmRange::~ZmRange() { delete[] values_; }
 
+// The copy first: it may fail, and then nothing has changed.
 ZmRange& ZmRange::operator=(const ZmRange& other) {
   ZmRange copy(other);
   std::swap(values_, copy.values_);
@@ -208,11 +211,11 @@ unsigned char ZmRange::has(int value) const { return std::find(_begin(), _end(),
 
 // By sorted copies: looking for each value would be quadratic.
 unsigned char ZmRange::has(const ZmString& text) const {
-  ZmRange wanted(text);
-  ZmRange held(*this);
-  wanted._strip();
-  held.sort();
-  return std::includes(held._begin(), held._end(), wanted._begin(), wanted._end());
+  ZmRange some(text);
+  ZmRange all(*this);
+  some._strip();
+  all.sort();
+  return std::includes(all._begin(), all._end(), some._begin(), some._end());
 }
 
 // Equal integers can't be told apart, so any sorting does.
@@ -220,6 +223,8 @@ void ZmRange::sort() { std::sort(_begin(), _end()); }
 
 void ZmRange::reverse() { std::reverse(_begin(), _end()); }
 
+// The ends, then always the middles of what is left, from the widest intervals to the narrowest:
+// who stops early has looked at values that lie evenly.
 void ZmRange::binary() {
   if (count_ < 4) return;
   struct Interval {
@@ -255,6 +260,7 @@ int ZmRange::_run(int from) const {
   return end - from < 2 ? from : end;
 }
 
+// Zeros stand before the first number of a run only: the last one has the width that it needs.
 ZmString ZmRange::value() {
   ZmString text;
   _strip();
@@ -272,6 +278,7 @@ ZmString ZmRange::value() {
   return text;
 }
 
+// Two values far apart are a run of their own here, so that both fit into one piece.
 void ZmRange::chunk(int size, ZmStringList& out) {
   if (size < 1) return;
   _strip();
@@ -288,6 +295,7 @@ void ZmRange::partition(int parts, ZmStringList& out) {
   if (parts >= 1) chunk(count_ / parts + (count_ % parts != 0), out);
 }
 
+// By its characters alone: "1--x" is taken for a range too, and reading it stops at the misfit.
 unsigned char ZmRange::isrange(const ZmString& text) {
   ZmTextCursor in(zm_view(text));
   if (kNeverFirst.has(in.peek())) return 0;

@@ -10,12 +10,19 @@
 #include <new>
 #include <utility>
 
-#include "ZmText.h"
 #include "ZmTextNumber.h"
 
 namespace {
 
 constexpr ZmCharSet kSpace(" \t\r\n"), kLineEnd("\r\n");
+
+// ZmText.h stands on this class and can't serve here.
+std::string_view bytes(const ZmString& s) {
+  return {s.value(), static_cast<std::size_t>(s.length())};
+}
+void add(ZmString& to, std::string_view text) {
+  to.append(text.data(), static_cast<int>(text.size()));
+}
 
 // Four times the need, so that building a text byte by byte stays cheap.
 int grown(long long need) {
@@ -215,17 +222,17 @@ ZmString& ZmString::operator+=(const char* s) {
 }
 
 ZmString& ZmString::operator+=(int value) {
-  zm_append(*this, ZmNumberText(value).view());
+  add(*this, ZmNumberText(value).view());
   return *this;
 }
 
 ZmString& ZmString::operator+=(long long value) {
-  zm_append(*this, ZmNumberText(value).view());
+  add(*this, ZmNumberText(value).view());
   return *this;
 }
 
 ZmString& ZmString::operator+=(float value) {
-  zm_append(*this, ZmNumberText(value).view());
+  add(*this, ZmNumberText(value).view());
   return *this;
 }
 
@@ -259,12 +266,12 @@ unsigned char ZmString::haschar(char c) const {
   return length_ > 0 && std::memchr(value(), c, static_cast<std::size_t>(length_)) != nullptr;
 }
 
-unsigned char ZmString::hasspace() const { return contains(zm_view(*this), kSpace); }
-unsigned char ZmString::multiline() const { return contains(zm_view(*this), kLineEnd); }
+unsigned char ZmString::hasspace() const { return contains(bytes(*this), kSpace); }
+unsigned char ZmString::multiline() const { return contains(bytes(*this), kLineEnd); }
 
 // A lone "-" passes: scalars and command lines take it for a number, which reads as 0.
 unsigned char ZmString::isinteger() const {
-  ZmTextCursor in(zm_view(*this));
+  ZmTextCursor in(bytes(*this));
   if (in.eof() || !(in.is('-') || kZmDigits.has(in.peek()))) return 0;
   in.take();
   in.skip(kZmDigits);
@@ -273,7 +280,7 @@ unsigned char ZmString::isinteger() const {
 
 unsigned char ZmString::isfloat() const {
   constexpr ZmCharSet kFirst("0123456789-+.");
-  ZmTextCursor in(zm_view(*this));
+  ZmTextCursor in(bytes(*this));
   if (!kFirst.has(in.peek())) return 0;
   const bool dot = in.take() == ".";
   in.skip(kZmDigits);
@@ -287,12 +294,12 @@ ZmString ZmString::substr(int start, int end) const {
   return from < to ? ZmString(value() + from, to - from) : ZmString();
 }
 
-ZmString ZmString::tolower() const { return mapped(zm_view(*this), lower); }
-ZmString ZmString::toupper() const { return mapped(zm_view(*this), upper); }
+ZmString ZmString::tolower() const { return mapped(bytes(*this), lower); }
+ZmString ZmString::toupper() const { return mapped(bytes(*this), upper); }
 
 ZmString ZmString::removecontrolchars() const {
   ZmString result;
-  for (const char c : zm_view(*this))
+  for (const char c : bytes(*this))
     if ((c >= 32 && c <= 126) || c == '\t' || c == '\r' || c == '\n') result.append(c);
   return result;
 }
@@ -300,7 +307,7 @@ ZmString ZmString::removecontrolchars() const {
 ZmString ZmString::LFtoCRLF() {
   ZmString result;
   char before = 0;
-  for (const char c : zm_view(*this)) {
+  for (const char c : bytes(*this)) {
     if (c == '\n' && before != '\r') result.append('\r');
     result.append(c);
     before = c;
@@ -312,18 +319,18 @@ ZmString ZmString::replacevalue(const ZmString& from, const ZmString& to,
                                 unsigned char exact) const {
   if (from.length_ < 1) return *this;
   ZmString result;
-  ZmTextCursor in(zm_view(*this));
+  ZmTextCursor in(bytes(*this));
   while (!in.eof()) {
     const std::string_view piece = in.rest().substr(0, static_cast<std::size_t>(from.length_));
-    const bool match = piece.size() == zm_view(from).size() &&
+    const bool match = piece.size() == bytes(from).size() &&
                        (exact ? piece[0] == from.value()[0] &&
                                     std::strncmp(piece.data(), from.value(), piece.size()) == 0
-                              : samefolded(piece, zm_view(from)));
+                              : samefolded(piece, bytes(from)));
     if (match) {
       in.take(piece.size());
       result += to;
     } else {
-      zm_append(result, in.take());
+      add(result, in.take());
     }
   }
   return result;
@@ -368,7 +375,7 @@ void ZmString::hexvalue(char c) {
 void ZmString::integervalue(int value, int width, char pad) {
   const ZmNumberText text(value);
   for (int n = static_cast<int>(text.view().size()); n < width; ++n) append(pad);
-  zm_append(*this, text.view());
+  add(*this, text.view());
 }
 
 ZmString ZmString::padded_int(int value, int width) {
@@ -382,7 +389,7 @@ ZmString ZmString::padded_int(int value, int width) {
     digits.remove_prefix(1);
   }
   for (; width > 0 && missing > 0; --missing) text.append('0');
-  zm_append(text, digits);
+  add(text, digits);
   for (; missing > 0; --missing) text.append(' ');  // a negative width is printf's left alignment
   return text;
 }

@@ -132,6 +132,13 @@ const ZmString* ZmConfig::_find(std::string_view label) const {
   return options_._get(label, ZmBaseHashTable::hash(label));
 }
 
+int ZmConfig::_position(std::string_view label) const {
+  if (labels_) return labels_->find(zm_string(label));
+  const ZmBaseHashTable& table = options_._table();
+  const auto* held = table.find(label, ZmBaseHashTable::hash(label));
+  return held ? static_cast<int>(held - &table.entry(0)) : -1;
+}
+
 unsigned char ZmConfig::exists(const ZmString& label) const {
   return options_.get(label) != nullptr;
 }

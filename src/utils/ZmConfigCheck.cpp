@@ -79,7 +79,7 @@ std::string_view ZmConfigCheck::line(const Place& place) const {
 const ZmConfigHash& ZmConfigCheck::sections() const { return survey_->sections(); }
 
 ZmConfigCheck::Origin ZmConfigCheck::origin(const ZmConfig& section, int label) const {
-  const Survey::Source& source = survey_->source(section.value(label));
+  const Survey::Source& source = survey_->source(section, label);
   const Survey::Written& written = survey_->written(source.written);
   const std::size_t length = written.end - written.value_at;
   return {placed(*survey_, written.label_at, written.label.size()),

@@ -149,10 +149,9 @@ void dotted_name(Survey& survey) {
 
 void created_by_qualifier(Survey& survey) {
   for (const auto& [section, number] : survey.made()) {
-    const auto& written = survey.written(number);
-    survey.report(
-        written.qualifier_at, zm_view(section->name()).size(),
-        "no header names section " + zm_shown(zm_view(section->name())) + ": it is made here");
+    const std::string_view name = zm_view(section->name());
+    survey.report(survey.written(number).qualifier_at, name.size(),
+                  "no header names section " + zm_shown(name) + ": it is made here");
   }
 }
 

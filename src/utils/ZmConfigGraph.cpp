@@ -32,7 +32,7 @@ void ZmConfigGraph::parent(const ZmConfigToken& token, const ZmConfig* found) {
 void ZmConfigGraph::use(const ZmConfigUse& use) {
   ZmConfigSurvey::use(use);
   if (!use.piece.qualified) return;
-  const Written& line = written(source(*use.option).written);
+  const Written& line = written(referring(*use.option).written);
   const ZmConfig* to = section(use.piece.section);
   const bool headed = line.heading != kNone && line.qualifier_at == kNone;
   const std::string from = headed ? headings()[line.heading].name : node(*section(use.home));

@@ -66,9 +66,10 @@ class ZmConfigObserver {
   virtual void parent(const ZmConfigToken&, const ZmConfig* /*found*/) {}
   virtual void option(const ZmConfigLine&) {}
   virtual void stop(const ZmConfigStop&) {}
-  // The section stores a value: that of the line `number` (from 0, as told), or, when there is a
-  // parent, that of its label `number`. Lines for several sections may be stored much later.
-  virtual void stored(const ZmConfig&, const ZmString& /*value*/, const ZmConfig* /*parent*/,
+  // The section stores a value for its label at this position: that of the line `number` (from 0,
+  // as told), or, when there is a parent, that of its label `number`. Lines for several sections
+  // may be stored much later.
+  virtual void stored(const ZmConfig&, int /*label*/, const ZmConfig* /*parent*/,
                       std::size_t /*number*/) {}
 
   // Expanding.

@@ -205,8 +205,8 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
 
 void ZmConfigReader::told(const Target& target, int label, const Option& option) {
   const ZmConfig& config = *target.config;
-  const ZmString& value = label < 0 ? *config._find(option.label) : config.value(label);
-  observer_->stored(config, value, option.parent, option.number);
+  if (label < 0) label = config._position(option.label);
+  observer_->stored(config, label, option.parent, option.number);
 }
 
 // The section of this name, made when there is none.

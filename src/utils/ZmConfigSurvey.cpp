@@ -73,15 +73,13 @@ void ZmConfigSurvey::ask(const Thing&... thing) {
 }
 
 std::vector<ZmConfigSurvey::Found> ZmConfigSurvey::run(bool lowercase) {
-  constexpr std::size_t kLine = 32;  // bytes of an option line in most files
-  sources_.reserve(text().size() / kLine);
   const ZmString home("default");
   ZmConfigReader(sections_, home, lowercase, text(), this).run();
   ask<ZmEndRule>();
   verdicts();
   std::erase_if(found_, [this](const Found& found) { return silenced(found); });
-  std::ranges::stable_sort(found_, {},
-                           [](const Found& f) { return std::tuple(f.mark.at, f.rule); });
+  const auto place = [](const Found& f) { return std::tuple(f.mark.at, f.rule); };
+  if (!std::ranges::is_sorted(found_, {}, place)) std::ranges::stable_sort(found_, {}, place);
   return std::move(found_);
 }
 
@@ -124,10 +122,10 @@ void ZmConfigSurvey::section(const ZmConfig& section, bool made) {
     Heading& heading = headings_.back();
     if (!heading.first) heading.first = &section;
     ++heading.sections;
-    homes_.try_emplace(&section, narrow(headings_.size() - 1));
-    makers_.erase(&section);
+    std::uint32_t& first = known_[&section].heading;
+    if (first == kNone) first = narrow(headings_.size() - 1);
   } else if (made && written_.back().qualifier_at != kNone) {
-    makers_.emplace(&section, narrow(written_.size() - 1));
+    known_[&section].maker = narrow(written_.size() - 1);
   }
 }
 
@@ -146,9 +144,10 @@ void ZmConfigSurvey::option(const ZmConfigLine& line) {
                                     narrow(written_.size())};
   ask<ZmLineRule>(statement);
   const std::string_view label = keep(line.label);
-  written_.push_back(
-      {label, keep(line.value), headings_.empty() ? kNone : narrow(headings_.size() - 1),
-       narrow(line.label_at), narrow(line.qualifier_at), narrow(line.value_at), narrow(end)});
+  written_.push_back({label, keep(line.value),
+                      headings_.empty() ? kNone : narrow(headings_.size() - 1),
+                      narrow(line.label_at), narrow(line.qualifier_at), narrow(line.value_at),
+                      narrow(end), zm_has_reference(line.value)});
   if (line.qualifier_at == ZmConfigLine::kNone) {
     labels_[label] = statement.number;
     if (label.find('.') != std::string_view::npos) dotted_.push_back(statement.number);
@@ -165,13 +164,15 @@ void ZmConfigSurvey::stop(const ZmConfigStop& stop) {
   ask<ZmStopRule>(stop);
 }
 
-void ZmConfigSurvey::stored(const ZmConfig&, const ZmString& value, const ZmConfig* parent,
+void ZmConfigSurvey::stored(const ZmConfig& section, int label, const ZmConfig* parent,
                             std::size_t number) {
-  Source source{narrow(number), false, parent};
-  if (parent) source.written = sources_.at(&parent->value(static_cast<int>(number))).written;
-  const auto [at, made] = sources_.try_emplace(&value, source);
-  if (!made) --written_[std::exchange(at->second, source).written].stored;
-  ++written_[source.written].stored;
+  std::uint32_t line = narrow(number);
+  if (parent) line = source(*parent, static_cast<int>(number)).written;
+  std::vector<Source>& options = known_[&section].options;
+  const auto at = static_cast<std::size_t>(label);
+  if (at >= options.size()) options.resize(at + 1);
+  options[at] = {line, parent};
+  if (written_[line].refers) referring_[&section.value(label)] = {line, false};
 }
 
 // A piece of the cleaned text stays, others are kept here.
@@ -245,8 +246,8 @@ std::size_t ZmConfigSurvey::SpotHash::operator()(const Spot& spot) const {
 }
 
 void ZmConfigSurvey::use(const ZmConfigUse& use) {
-  const auto met = sources_.find(use.option);
-  if (met == sources_.end() || met->second.expanded) return;
+  const auto met = referring_.find(use.option);
+  if (met == referring_.end() || met->second.expanded) return;
   for (const Rule* rule : rules_of<ZmUseRule>()) judge(*rule, use, met->second.written);
   if (!use.circle) return;
   std::vector<Edge>& edges = edges_[use.option];
@@ -277,11 +278,11 @@ void ZmConfigSurvey::circle(const ZmString& option) { circles_.push_back(&option
 
 void ZmConfigSurvey::expanded(const ZmConfig&, const ZmString& value, std::string_view result) {
   constexpr std::size_t kLarge = std::size_t{1} << 20, kTimes = 100;
-  Source& source = sources_.at(&value);
-  source.expanded = true;
-  if (result.size() <= kLarge || result.size() / kTimes < written_[source.written].raw.size())
+  Referring& option = referring_.at(&value);
+  option.expanded = true;
+  if (result.size() <= kLarge || result.size() / kTimes < written_[option.written].raw.size())
     return;
-  std::size_t& grown = grown_[source.written];
+  std::size_t& grown = grown_[option.written];
   grown = std::max(grown, result.size());
 }
 
@@ -370,7 +371,7 @@ void ZmConfigSurvey::loops() {
     const std::vector<Step> steps = loop(*first, done);
     if (steps.empty()) continue;
     const Step& closing = steps.back();
-    const std::uint32_t line = sources_.at(closing.from).written;
+    const std::uint32_t line = referring(*closing.from).written;
     const auto [at, made] =
         told.try_emplace(std::uint64_t{line} << 32 | closing.edge->number, found_.size());
     if (made) {
@@ -407,7 +408,7 @@ std::vector<ZmConfigSurvey::Step> ZmConfigSurvey::loop(
 void ZmConfigSurvey::tell(const std::vector<Step>& steps) {
   std::vector<Mark> notes;
   for (const Step& step : steps) {
-    const Written& written = written_[sources_.at(step.from).written];
+    const Written& written = written_[referring(*step.from).written];
     const std::vector<Mark> marks = references(written, step.edge->home);
     Mark mark =
         step.edge->number < marks.size() ? marks[step.edge->number] : Mark{written.value_at, 1, {}};
@@ -425,21 +426,35 @@ void ZmConfigSurvey::tell(const std::vector<Step>& steps) {
 
 // Whether every option without references is what its line says.
 bool ZmConfigSurvey::consistent() const {
-  for (const auto& [value, source] : sources_) {
-    const std::string_view raw = written_[source.written].raw;
-    if (!zm_has_reference(raw) && raw != zm_view(*value)) return false;
+  for (const auto& [section, known] : known_) {
+    if (known.options.size() != static_cast<std::size_t>(section->length())) return false;
+    int label = 0;
+    for (const Source& source : known.options) {
+      const Written& line = written_[source.written];
+      if (!line.refers && line.raw != zm_view(section->value(label))) return false;
+      ++label;
+    }
   }
   return true;
 }
 
 const ZmConfigSurvey::Heading* ZmConfigSurvey::heading(const ZmConfig& section) const {
-  const auto home = homes_.find(&section);
-  return home == homes_.end() ? nullptr : &headings_[home->second];
+  const auto known = known_.find(&section);
+  const bool headed = known != known_.end() && known->second.heading != kNone;
+  return headed ? &headings_[known->second.heading] : nullptr;
+}
+
+std::vector<std::pair<const ZmConfig*, std::uint32_t>> ZmConfigSurvey::made() const {
+  std::vector<std::pair<const ZmConfig*, std::uint32_t>> all;
+  for (const auto& [section, known] : known_)
+    if (known.heading == kNone && known.maker != kNone) all.emplace_back(section, known.maker);
+  return all;
 }
 
 std::size_t ZmConfigSurvey::beginning(const ZmConfig& section) const {
   if (const Heading* home = heading(section)) return home->at;
-  if (const auto maker = makers_.find(&section); maker != makers_.end())
-    return written_[maker->second].qualifier_at;
+  const auto known = known_.find(&section);
+  if (known != known_.end() && known->second.maker != kNone)
+    return written_[known->second.maker].qualifier_at;
   return written_.empty() ? 0 : written_.front().label_at;  // the default section
 }

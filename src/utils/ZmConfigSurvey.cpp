@@ -193,37 +193,48 @@ void ZmConfigSurvey::comment(std::size_t at) {
   if (text().size() < places_.size()) comments_.push_back(at);
   ZmTextCursor in(text().substr(at + 1));
   in.skip(kBlank);
-  if (!in.rest().starts_with(kMark)) return;
-  in.take(kMark.size());
-  in.skip(kBlank);
-  if (in.rest().starts_with(kIgnore)) silence(at, text().size() - in.left() + kIgnore.size());
+  if (in.rest().starts_with(kMark)) {
+    in.take(kMark.size());
+    in.skip(kBlank);
+    if (in.rest().starts_with(kIgnore))
+      return silence(at, named(text().size() - in.left() + kIgnore.size(), line_end(at)));
+  }
+  if (!silences_.empty() && silences_.back().to > at) silence(at, 0);
 }
 
-// The line of the comment, or the one behind it when nothing else stands there.
-void ZmConfigSurvey::silence(std::size_t at, std::size_t names) {
-  const std::size_t start = text().find_last_of(kLineEnd, at) + 1;  // without one: from 0 on
-  const bool alone =
-      text().substr(start, at - start).find_first_not_of(" \t") == std::string_view::npos;
-  const std::size_t end = line_end(at);
-  Silence silence{start, end, 0};
-  if (alone) {
-    silence.from = std::min(end + (text().substr(end, 2) == kLineEnd ? 2 : 1), text().size());
-    silence.to = line_end(silence.from);
-  }
-  constexpr ZmCharSet kBetween(" \t,"), kStop(" \t,\r\n");
-  ZmTextCursor in(text().substr(names, end - names));
+// The rules that a comment names.
+std::uint32_t ZmConfigSurvey::named(std::size_t from, std::size_t to) {
+  constexpr ZmCharSet kBetween(" \t,");
+  std::uint32_t named = 0;
+  ZmTextCursor in(text().substr(from, to - from));
   for (in.skip(kBetween); !in.eof(); in.skip(kBetween)) {
-    const std::size_t place = end - in.left();
-    const std::string_view name = in.until(kStop);
+    const std::size_t place = to - in.left();
+    const std::string_view name = in.until(kBetween);
     const auto rules = zm_config_check_rules();
     const auto rule = std::ranges::find(rules, name, [](const Rule& r) { return r.rule.name; });
     if (rule == rules.end()) {
       unknown_.push_back({place, name});
     } else {
-      silence.rules |= 1U << (rule - rules.begin());
+      named |= 1U << (rule - rules.begin());
     }
   }
-  silences_.push_back(silence);
+  return named;
+}
+
+// On the line of the comment, or on the next one when nothing else stands there. Where that holds
+// a comment only, too, the one behind it counts: comments may stand one above the other.
+void ZmConfigSurvey::silence(std::size_t at, std::uint32_t rules) {
+  const std::size_t start = text().find_last_of(kLineEnd, at) + 1;  // without one: from 0 on
+  const bool alone =
+      text().substr(start, at - start).find_first_not_of(" \t") == std::string_view::npos;
+  const std::size_t end = line_end(at);
+  if (!alone) return silences_.push_back({start, end, rules});
+  const std::size_t next = end + (text().substr(end, 2) == kLineEnd ? 2 : 1);
+  const std::size_t behind = line_end(next);
+  if (silences_.empty() || silences_.back().to != end)
+    return silences_.push_back({next, behind, rules});
+  silences_.back().to = behind;
+  silences_.back().rules |= rules;
 }
 
 bool ZmConfigSurvey::silenced(const Found& found) const {

@@ -156,7 +156,7 @@ class ZmConfigSurvey : public ZmConfigObserver {
     std::uint32_t maker = kNone;    // the line that made it by a qualifier
     std::vector<Source> options;    // by their positions
   };
-  struct Silence {
+  struct Silence {  // the lines between two places
     std::size_t from;
     std::size_t to;
     std::uint32_t rules;
@@ -169,7 +169,8 @@ class ZmConfigSurvey : public ZmConfigObserver {
   std::string_view keep(std::string_view text);
   bool keeps(std::string_view text) const;
   void comment(std::size_t at);
-  void silence(std::size_t at, std::size_t names);
+  void silence(std::size_t at, std::uint32_t rules);
+  std::uint32_t named(std::size_t from, std::size_t to);
   void judge(const Rule& rule, const ZmConfigUse& use, std::uint32_t written);
   void verdicts();
   struct Step;

@@ -135,8 +135,10 @@ const ZmString* ZmConfig::_find(std::string_view label) const {
 int ZmConfig::_position(std::string_view label) const {
   if (labels_) return labels_->find(zm_string(label));
   const ZmBaseHashTable& table = options_._table();
-  const auto* held = table.find(label, ZmBaseHashTable::hash(label));
-  return held ? static_cast<int>(held - &table.entry(0)) : -1;
+  if (table.entries() == 0) return -1;
+  const ZmBaseHashTable::Entry* first = &table.entry(0);  // entries don't move from here on
+  const ZmBaseHashTable::Entry* held = table.find(label, ZmBaseHashTable::hash(label));
+  return held ? static_cast<int>(held - first) : -1;
 }
 
 unsigned char ZmConfig::exists(const ZmString& label) const {

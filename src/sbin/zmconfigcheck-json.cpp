@@ -92,7 +92,9 @@ Json location(const ZmConfigCheck& check, const std::string& file,
 
 Json sarif_result(const ZmConfigCheck& check, const std::string& file,
                   const ZmConfigCheck::Finding& finding) {
+  const auto& rules = ZmConfigCheck::rules();
   Json json{{"ruleId", finding.rule->name},
+            {"ruleIndex", std::ranges::find(rules, finding.rule) - rules.begin()},
             {"level", name(finding.severity)},
             {"message", {{"text", finding.text}}},
             {"locations", Json::array()}};
@@ -123,8 +125,6 @@ struct JsonReport::Content {
   bool sarif;
   Json files = Json::array();
   Json results = Json::array();
-  std::size_t errors = 0;
-  std::size_t warnings = 0;
 };
 
 JsonReport::JsonReport(bool sarif) : content_(std::make_unique<Content>(Content{sarif})) {}
@@ -138,10 +138,7 @@ void JsonReport::add(const std::string& file, const ZmConfigCheck& check,
     return;
   }
   Json json{{"file", file}, {"findings", Json::array()}, {"sections", Json::array()}};
-  for (const auto* finding : findings) {
-    ++(is_error(finding->severity) ? content_->errors : content_->warnings);
-    json["findings"].push_back(finding_json(check, *finding));
-  }
+  for (const auto* finding : findings) json["findings"].push_back(finding_json(check, *finding));
   ZmStringList names;
   check.sections().copykeys(names);
   names.sort();
@@ -150,11 +147,9 @@ void JsonReport::add(const std::string& file, const ZmConfigCheck& check,
   content_->files.push_back(std::move(json));
 }
 
-std::string JsonReport::text() const {
+std::string JsonReport::text(std::size_t errors, std::size_t warnings) const {
   if (!content_->sarif)
-    return written({{"files", content_->files},
-                    {"errors", content_->errors},
-                    {"warnings", content_->warnings}});
+    return written({{"files", content_->files}, {"errors", errors}, {"warnings", warnings}});
   const Json driver{{"name", "zmconfigcheck"}, {"version", kZmVersion}, {"rules", sarif_rules()}};
   Json json{{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
             {"version", "2.1.0"},

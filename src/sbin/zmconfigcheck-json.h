@@ -20,7 +20,8 @@ class JsonReport {
   JsonReport& operator=(const JsonReport&) = delete;
 
   void add(const std::string& file, const ZmConfigCheck& check, const Findings& findings);
-  std::string text() const;
+  // `errors` and `warnings` are all there are, those that were not added included.
+  std::string text(std::size_t errors, std::size_t warnings) const;
 
  private:
   struct Content;

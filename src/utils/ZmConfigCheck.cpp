@@ -1,12 +1,16 @@
 #include "ZmConfigCheck.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <climits>
 #include <utility>
 
 #include "ZmConfigCheckRules.h"
 #include "ZmConfigGraph.h"
 #include "ZmConfigHistory.h"
 #include "ZmConfigSurvey.h"
+#include "ZmFileReader.h"
 #include "ZmText.h"
 
 namespace {
@@ -45,6 +49,26 @@ const std::vector<const ZmConfigCheck::Rule*>& ZmConfigCheck::rules() {
 const ZmConfigCheck::Rule* ZmConfigCheck::rule(std::string_view name) {
   const auto at = std::ranges::find(rules(), name, [](const Rule* rule) { return rule->name; });
   return at == rules().end() ? nullptr : *at;
+}
+
+std::unique_ptr<ZmConfigCheck> ZmConfigCheck::open(const std::string& path,
+                                                   unsigned char lowercase) {
+  const ZmOpenFile file(std::fopen(path.c_str(), "rb"));
+  return file ? read(file.get(), lowercase) : nullptr;
+}
+
+std::unique_ptr<ZmConfigCheck> ZmConfigCheck::read(std::FILE* file, unsigned char lowercase) {
+  std::string text;
+  struct stat status {};
+  if (::fstat(::fileno(file), &status) == 0 && status.st_size > 0 && status.st_size < INT_MAX)
+    text.reserve(static_cast<std::size_t>(status.st_size) + 1);
+  char block[65536];
+  for (std::size_t n; (n = std::fread(block, 1, sizeof block, file)) > 0;) {
+    text.append(block, n);
+    if (text.size() >= INT_MAX) return nullptr;
+  }
+  if (std::ferror(file)) return nullptr;
+  return std::make_unique<ZmConfigCheck>(std::move(text), lowercase);
 }
 
 ZmConfigCheck::ZmConfigCheck(std::string text, unsigned char lowercase)

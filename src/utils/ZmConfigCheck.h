@@ -2,6 +2,7 @@
 #define ZM_CONFIG_CHECK_H
 
 #include <cstddef>
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -18,9 +19,9 @@ class ZmConfigSurvey;
 /// misspelt reference reads as empty. This class watches ZmConfigFile's own reader at work and
 /// judges what it sees by a table of rules:
 ///
-///     const ZmConfigCheck check(ZmFile::load("farm.conf").value());
-///     for (const auto& finding : check.findings())
-///       std::cout << finding.place.line << ": " << finding.text << '\n';
+///     if (const auto check = ZmConfigCheck::open("farm.conf"))
+///       for (const auto& finding : check->findings())
+///         std::cout << finding.place.line << ": " << finding.text << '\n';
 ///
 /// There is one finding for each place of the text, however many sections share it. Lines and
 /// columns count from 1, columns in bytes, in the text as it was given. One thread at a time.
@@ -101,6 +102,11 @@ class ZM_EXPORT ZmConfigCheck {
   /// The rule of this name; null when there is none.
   static const Rule* rule(std::string_view name);
 
+  /// Reads and judges a file; null when it can't be opened or read to its end, or is too large for
+  /// ZmConfigFile (see ZmFile). Pipes are read, too.
+  static std::unique_ptr<ZmConfigCheck> open(const std::string& path, unsigned char lowercase = 0);
+  /// The same for what is left of an open file, as standard input, which stays open.
+  static std::unique_ptr<ZmConfigCheck> read(std::FILE* file, unsigned char lowercase = 0);
   /// Reads and judges the text, as ZmConfigFile would read it, `lowercase` included.
   explicit ZmConfigCheck(std::string text, unsigned char lowercase = 0);
   ~ZmConfigCheck();

@@ -131,6 +131,8 @@ class ZM_EXPORT ZmConfigCheck {
   /// Who inherits from and refers to whom, in the DOT language: a node a header, solid arrows to
   /// parents and dashed ones to the sections that values refer to, in red what is missing and what
   /// leads back to itself. With `connected` only the nodes with arrows.
+  ///
+  /// @image html farm.svg "What dot draws of examples/farm.conf"
   std::string graph(unsigned char connected) const;
   /// Where the section begins: its first header, or the option that made it.
   Place place(const ZmConfig& section) const;

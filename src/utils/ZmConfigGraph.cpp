@@ -5,12 +5,13 @@
 
 namespace {
 
-std::string quoted(std::string_view text) {
+std::string quoted(std::string_view text, std::string_view below = {}) {
   std::string all = "\"";
   for (const char c : text) {
     if (c == '"' || c == '\\') all += '\\';
     all += c == '\n' || c == '\r' ? ' ' : c;
   }
+  if (!below.empty()) all.append("\\n").append(below);
   return all + '"';
 }
 
@@ -66,7 +67,7 @@ std::string ZmConfigGraph::run(bool lowercase, bool connected) {
   for (const auto& [name, size] : known) {
     if (connected && !met.contains(name)) continue;
     text += "  " + quoted(name);
-    if (size > 1) text += " [xlabel=\"" + std::to_string(size) + " sections\"]";
+    if (size > 1) text += " [label=" + quoted(name, std::to_string(size) + " sections") + "]";
     text += ";\n";
   }
   for (const std::string& name : met)

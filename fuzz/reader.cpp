@@ -18,18 +18,6 @@
 
 namespace {
 
-// References can ask for exponential results, and brackets for many sections.
-bool modest(std::string_view text) {
-  int references = 0, brackets = 0, digits = 0;
-  for (const char c : text) {
-    references += c == '$';
-    brackets += c == '[';
-    digits = c >= '0' && c <= '9' ? digits + 1 : c >= 32 && c <= 126 ? 0 : digits;
-    if (digits > 2) return false;
-  }
-  return text.size() <= 1024 && references <= 24 && brackets <= 12;
-}
-
 // Tokens stand in the text one behind the other, and at the place that is told.
 void checktokens(std::string_view text) {
   ZmConfigScanner scanner(text);

@@ -110,10 +110,10 @@ bool ZmConfigReader::option() {
   if (!more_) return stop(at, label, true);
   const std::size_t value_at = token_.offset;
   Option option(label, joined(token_.is('"'), longer_value));
-  option.number = lines_++;
   if (observer_) [[unlikely]] {
     const std::size_t qualifier_at = qualified ? at : ZmConfigLine::kNone;
-    observer_->option({label_at, qualifier_at, value_at, label, qualifier, option.value});
+    option.number =
+        observer_->option({label_at, qualifier_at, value_at, label, qualifier, option.value});
   }
   if (qualified) {
     flush();

@@ -133,7 +133,7 @@ void ZmConfigSurvey::parent(const ZmConfigToken& token, const ZmConfig* found) {
   if (!found) missing_.push_back({token.offset, keep(token.text)});
 }
 
-void ZmConfigSurvey::option(const ZmConfigLine& line) {
+std::size_t ZmConfigSurvey::option(const ZmConfigLine& line) {
   heading_ = false;
   const auto value = std::ranges::find_if(
       pieces_, [&](const Part& part) { return part.token.offset >= line.value_at; });
@@ -153,6 +153,7 @@ void ZmConfigSurvey::option(const ZmConfigLine& line) {
     if (label.find('.') != std::string_view::npos) dotted_.push_back(statement.number);
   }
   next();
+  return statement.number;
 }
 
 void ZmConfigSurvey::stop(const ZmConfigStop& stop) {

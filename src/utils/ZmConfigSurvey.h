@@ -111,7 +111,7 @@ class ZmConfigSurvey : public ZmConfigObserver {
   void header(const ZmConfigHeading& heading) override;
   void section(const ZmConfig& section, bool made) override;
   void parent(const ZmConfigToken& token, const ZmConfig* found) override;
-  void option(const ZmConfigLine& line) override;
+  std::size_t option(const ZmConfigLine& line) override;
   void stop(const ZmConfigStop& stop) override;
   void stored(const ZmConfig& section, int label, const ZmConfig* parent,
               std::size_t number) override;

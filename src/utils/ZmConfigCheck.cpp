@@ -28,9 +28,12 @@ Place placed(const Survey& survey, std::size_t at, std::size_t length) {
 
 // What stands behind the text of a finding.
 std::string where(const Survey::Found& found) {
+  const std::size_t more = found.sections - 1;
   std::string text;
-  if (found.sections > 1 || found.lenient) text = ", in section " + zm_shown(found.section);
-  if (found.sections > 1) text += " and " + std::to_string(found.sections - 1) + " more";
+  if (found.sections == 1 && found.lenient) text = ", in section " + zm_shown(found.section);
+  if (found.sections > 1)
+    text = ", in " + zm_shown(found.section) + " and " + std::to_string(more) + " more section" +
+           (more > 1 ? "s" : "");
   if (found.lenient) text += ", but not in all";
   return text;
 }

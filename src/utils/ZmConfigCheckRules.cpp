@@ -197,13 +197,13 @@ void odd_section_name(Survey& survey, const ZmConfigHeading& it) {
 
 bool padded(std::string_view number) { return number.size() > 1 && number[0] == '0'; }
 
-// The numbers in a text that are no part of a longer word.
+// The numbers in a text, but for steps.
 std::vector<std::string_view> numbers(std::string_view text) {
   std::vector<std::string_view> found;
-  for (ZmTextCursor in(text); !in.eof(); in.take()) {
+  std::string_view before;
+  for (ZmTextCursor in(text); !in.eof(); before = in.take()) {
     const std::string_view digits = in.skip(kDigit);
-    if (!digits.empty()) found.push_back(digits);
-    if (in.eof()) break;
+    if (!digits.empty() && before != "x" && before != "X") found.push_back(digits);
   }
   return found;
 }
@@ -220,10 +220,13 @@ void lost_padding(Survey& survey, const ZmConfigHeading& it) {
     in.until(kOpen);
     in.take();
     const auto range = numbers(in.until(kClose));
-    if (range.size() < 2 || !padded(range[1]) || range[1].size() <= range[0].size()) continue;
+    const auto wider = std::ranges::find_if(range, [&](std::string_view number) {
+      return padded(number) && number.size() > range.front().size();
+    });
+    if (wider == range.end()) continue;
     return survey.report(it.at, length,
-                         "names are padded like the first number, " + zm_shown(range[0]) +
-                             ", not like " + zm_shown(range[1]));
+                         "names are padded like the first number, " + zm_shown(range.front()) +
+                             ", not like " + zm_shown(*wider));
   }
 }
 

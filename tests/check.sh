@@ -13,4 +13,7 @@ done
   grep -q "\[$rule\]" "$rule.out" || { echo "$rule: no file shows it"; exit 1; }
   cat ../../examples/broken*.out | grep -q "\[$rule\]" || { echo "$rule: no example"; exit 1; }
 done || failed=1
+"$tool" - <long-line.conf 2>&1 | grep -q '^<stdin>:' || { echo "standard input"; failed=1; }
+"$tool" long-line.conf >/dev/full 2>&1
+[ $? -eq 2 ] || { echo "output that can't be written"; failed=1; }
 exit $failed

@@ -128,9 +128,9 @@ void cut_by_comment(Survey& survey, const ZmConfigStatement& it) {
 
 void repeated_option(Survey& survey, const ZmConfigStatement& it) {
   if (it.line.qualifier_at != ZmConfigLine::kNone) return;
-  const std::uint32_t before = survey.before(it.line.label);
-  if (before == Survey::kNone) return;
-  const auto& first = survey.written(before);
+  const std::uint32_t number = survey.first(it.line.label);
+  if (number == Survey::kNone) return;
+  const auto& first = survey.written(number);
   survey.report(it.line.label_at, it.line.label.size(),
                 zm_shown(it.line.label) + " has been set under this header",
                 {{first.label_at, first.label.size(), "it is set here"}});

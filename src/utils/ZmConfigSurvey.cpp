@@ -51,7 +51,7 @@ std::size_t ZmConfigSurvey::line_end(std::size_t at) const {
   return std::min(text().find_first_of(kLineEnd, at), text().size());
 }
 
-std::uint32_t ZmConfigSurvey::before(std::string_view label) const {
+std::uint32_t ZmConfigSurvey::first(std::string_view label) const {
   const auto met = labels_.find(label);
   return met == labels_.end() ? kNone : met->second;
 }
@@ -149,7 +149,7 @@ std::size_t ZmConfigSurvey::option(const ZmConfigLine& line) {
                       narrow(line.label_at), narrow(line.qualifier_at), narrow(line.value_at),
                       narrow(end), zm_has_reference(line.value)});
   if (line.qualifier_at == ZmConfigLine::kNone) {
-    labels_[label] = statement.number;
+    labels_.try_emplace(label, statement.number);
     if (label.find('.') != std::string_view::npos) dotted_.push_back(statement.number);
   }
   next();

@@ -75,8 +75,8 @@ class ZmConfigSurvey : public ZmConfigObserver {
   const Written& written(std::uint32_t number) const { return written_[number]; }
   std::size_t comment() const { return comment_; }  // the last one, or ZmConfigScanner::kNone
   std::size_t line_end(std::size_t at) const;
-  // The line of the same header that set the label before; kNone without one.
-  std::uint32_t before(std::string_view label) const;
+  // The first line of the same header that set the label; kNone without one.
+  std::uint32_t first(std::string_view label) const;
 
   struct Missing {
     std::size_t at;

@@ -6,6 +6,7 @@
 #include <iostream>
 #include <memory>
 #include <new>
+#include <optional>
 #include <stdexcept>
 
 #include "zmconfigcheck-json.h"
@@ -40,11 +41,13 @@ std::string counted(std::size_t n, const std::string& one) {
 // Tells what is wrong in one file after the other.
 class Run {
  public:
-  explicit Run(const Options& options) : options_(options), report_(options.view == View::kSarif) {}
+  explicit Run(const Options& options) : options_(options) {
+    if (options.view != View::kFindings) report_.emplace(options.view == View::kSarif);
+  }
 
   int run() {
     for (const std::string& path : options_.files) file(path);
-    if (options_.view != View::kFindings) output().write(report_.text(errors_, warnings_));
+    if (report_) report_->end(errors_, warnings_);
     output().flush();
     summary();
     static_cast<void>(check_.release());
@@ -73,10 +76,10 @@ class Run {
         ++more;
       }
     }
-    if (options_.view == View::kFindings) {
-      print(shown(path), findings, more);
+    if (report_) {
+      report_->add(shown(path), *check_, findings);
     } else {
-      report_.add(shown(path), *check_, findings);
+      print(shown(path), findings, more);
     }
   }
 
@@ -97,7 +100,7 @@ class Run {
   }
 
   const Options& options_;
-  JsonReport report_;
+  std::optional<JsonReport> report_;      // for programs
   std::unique_ptr<ZmConfigCheck> check_;  // the last one goes with the process, all at once
   std::size_t files_ = 0;                 // that could be read
   std::size_t errors_ = 0;

@@ -10,7 +10,7 @@ inline void require(bool holds) {
 
 // Whether a configuration file is worth reading: references can ask for exponential results, and
 // brackets for many sections.
-inline bool modest(std::string_view text) {
+inline bool modestfile(std::string_view text) {
   int references = 0, brackets = 0, digits = 0;
   for (const char c : text) {
     references += c == '$';

@@ -95,7 +95,7 @@ set(docdir_torvel-tools "${CMAKE_INSTALL_DOCDIR}")
 set(docdir_libzmapi-dev "${CMAKE_INSTALL_DOCDIR}")
 if(ZM_DEBIAN)
   set(ZM_PACKAGES torvel-tools libzmapi-dev)
-  if(TARGET docs AND DOXYGEN_FOUND)
+  if(TARGET docs AND DOXYGEN_FOUND AND ZM_DOT)
     list(APPEND ZM_PACKAGES libzmapi-doc)
     install(DIRECTORY "${PROJECT_BINARY_DIR}/docs/html"
       DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/libzmapi-doc" COMPONENT libzmapi-doc)

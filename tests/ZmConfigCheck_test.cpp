@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <memory>
 #include <string>
 
 #include "ZmConfigFile.h"
@@ -45,6 +47,17 @@ TEST(ZmConfigCheck, FindsPlacesInsideValues) {
               {"a = \"\\\"\"\n", "1:8 1 reading-stops;"},
               {"a = 1\r\r\n# x\r\nb =\r\nc = \"$x\"", "4:1 1 empty-value;5:6 2 undefined-option;"}};
   for (const auto& [text, findings] : rows) EXPECT_EQ(found(ZmConfigCheck(text)), findings) << text;
+}
+
+TEST(ZmConfigCheck, ReadsFiles) {
+  EXPECT_EQ(ZmConfigCheck::open("/nonexistent"), nullptr);
+  EXPECT_EQ(ZmConfigCheck::open("/"), nullptr);
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
+  std::fputs("passed over\n[A] : a\n[B] : A\nc = d e", file.get());
+  std::fseek(file.get(), 12, SEEK_SET);
+  const auto check = ZmConfigCheck::read(file.get(), 1);
+  ASSERT_TRUE(check);
+  EXPECT_EQ(found(*check), "3:5 3 joined-words;");
 }
 
 TEST(ZmConfigCheck, KnowsWhereValuesComeFrom) {

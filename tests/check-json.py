@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """check-json.py TOOL SCHEMA: what the tool writes with --json about the files in tests/check is valid
-and says what its text says; --sarif holds the same findings."""
+and says what its text says; --sarif holds the same findings, with what SARIF 2.1.0 wants of them."""
 import glob
 import json
 import os
@@ -43,7 +43,30 @@ assert explained["child"]["options"][1] == {
     "name": "log", "value": "/srv/log of child", "raw": "${base.root}/log of ${_}",
     "line": 4, "column": 1, "inherited_from": "node1"}
 
-run = json.loads(printed("--sarif"))["runs"][0]
-rules = [rule["id"] for rule in run["tool"]["driver"]["rules"]]
-assert [r["message"]["text"] in line for r, line in zip(run["results"], told)].count(False) == 0
-assert len(run["results"]) == len(told) and all(r["ruleId"] in rules for r in run["results"])
+few = json.loads(printed("--json", "--limit", "1"))
+assert [file["findings"] for file in few["files"]] == [f["findings"][:1] for f in document["files"]]
+assert few["errors"] + few["warnings"] == len(told)
+
+
+def region(physical):
+    place = physical["region"]
+    assert 0 < place["startLine"] and 0 < place["startColumn"] <= place["endColumn"]
+    return f"{physical['artifactLocation']['uri']}:{place['startLine']}:{place['startColumn']}"
+
+
+sarif = json.loads(printed("--sarif"))
+assert sarif["version"] == "2.1.0" and len(sarif["runs"]) == 1
+driver = sarif["runs"][0]["tool"]["driver"]
+assert driver["name"] == "zmconfigcheck"
+assert all(rule["defaultConfiguration"]["level"] in ("error", "warning") and rule["help"]["text"] and
+           rule["shortDescription"]["text"] for rule in driver["rules"])
+results = []
+for result in sarif["runs"][0]["results"]:
+    rule = driver["rules"][result["ruleIndex"]]["id"]
+    assert rule == result["ruleId"]
+    for related in result.get("relatedLocations", []):
+        assert related["message"]["text"] and region(related["physicalLocation"])
+    [place] = result["locations"]
+    results.append(f"{region(place['physicalLocation'])}: {result['level']}: "
+                   f"{result['message']['text']} [{rule}]")
+assert results == told

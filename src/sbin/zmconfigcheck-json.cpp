@@ -4,9 +4,11 @@
 #include <cctype>
 #include <nlohmann/json.hpp>
 #include <string_view>
+#include <utility>
 
 #include "ZmText.h"
 #include "ZmVersion.h"
+#include "zmconfigcheck-options.h"
 
 namespace {
 
@@ -92,7 +94,9 @@ Json location(const ZmConfigCheck& check, const std::string& file,
 
 Json sarif_result(const ZmConfigCheck& check, const std::string& file,
                   const ZmConfigCheck::Finding& finding) {
+  const auto& rules = ZmConfigCheck::rules();
   Json json{{"ruleId", finding.rule->name},
+            {"ruleIndex", std::ranges::find(rules, finding.rule) - rules.begin()},
             {"level", name(finding.severity)},
             {"message", {{"text", finding.text}}},
             {"locations", Json::array()}};
@@ -114,51 +118,50 @@ Json sarif_rules() {
 }
 
 std::string written(const Json& json) {
-  return json.dump(1, ' ', false, Json::error_handler_t::replace) + "\n";
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 }  // namespace
 
-struct JsonReport::Content {
-  bool sarif;
-  Json files = Json::array();
-  Json results = Json::array();
-  std::size_t errors = 0;
-  std::size_t warnings = 0;
-};
+JsonReport::JsonReport(bool sarif) : sarif_(sarif) {
+  if (!sarif_) {
+    output().write("{\"files\": [");
+    return;
+  }
+  const Json driver{{"name", "zmconfigcheck"}, {"version", kZmVersion}, {"rules", sarif_rules()}};
+  output().write(
+      "{\"$schema\": \"https://json.schemastore.org/sarif-2.1.0.json\", \"version\": \"2.1.0\",\n"
+      "\"runs\": [{\"tool\": {\"driver\": " +
+      written(driver) + "},\n\"results\": [");
+}
 
-JsonReport::JsonReport(bool sarif) : content_(std::make_unique<Content>(Content{sarif})) {}
-JsonReport::~JsonReport() = default;
+// The elements of an array stand on lines of their own.
+void JsonReport::element(const std::string& text) {
+  output().write(std::exchange(first_, false) ? "\n" : ",\n");
+  output().write(text);
+}
 
 void JsonReport::add(const std::string& file, const ZmConfigCheck& check,
                      const Findings& findings) {
-  if (content_->sarif) {
-    for (const auto* finding : findings)
-      content_->results.push_back(sarif_result(check, file, *finding));
+  if (sarif_) {
+    for (const auto* finding : findings) element(written(sarif_result(check, file, *finding)));
     return;
   }
-  Json json{{"file", file}, {"findings", Json::array()}, {"sections", Json::array()}};
-  for (const auto* finding : findings) {
-    ++(is_error(finding->severity) ? content_->errors : content_->warnings);
-    json["findings"].push_back(finding_json(check, *finding));
-  }
+  element("{\"file\": " + written(file) + ", \"findings\": [");
+  first_ = true;
+  for (const auto* finding : findings) element(written(finding_json(check, *finding)));
+  output().write("],\n\"sections\": [");
+  first_ = true;
   ZmStringList names;
   check.sections().copykeys(names);
   names.sort();
-  for (int i = 0; i < names.length(); ++i)
-    json["sections"].push_back(section_json(check, *names.get(i)));
-  content_->files.push_back(std::move(json));
+  for (int i = 0; i < names.length(); ++i) element(written(section_json(check, *names.get(i))));
+  output().write("]}");
+  first_ = false;
 }
 
-std::string JsonReport::text() const {
-  if (!content_->sarif)
-    return written({{"files", content_->files},
-                    {"errors", content_->errors},
-                    {"warnings", content_->warnings}});
-  const Json driver{{"name", "zmconfigcheck"}, {"version", kZmVersion}, {"rules", sarif_rules()}};
-  Json json{{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
-            {"version", "2.1.0"},
-            {"runs", Json::array()}};
-  json["runs"].push_back({{"tool", {{"driver", driver}}}, {"results", content_->results}});
-  return written(json);
+void JsonReport::end(std::size_t errors, std::size_t warnings) {
+  if (sarif_) return output().write("]}]}\n");
+  output().write("],\n\"errors\": " + std::to_string(errors) +
+                 ", \"warnings\": " + std::to_string(warnings) + "}\n");
 }

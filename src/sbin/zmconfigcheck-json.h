@@ -1,13 +1,14 @@
 #ifndef ZMCONFIGCHECK_JSON_H
 #define ZMCONFIGCHECK_JSON_H
 
-#include <memory>
+#include <cstddef>
 #include <string>
 #include <vector>
 
 #include "ZmConfigCheck.h"
 
-// Collects what is told of each file for programs, and writes it as one document.
+// Writes what is told of each file for programs, as one document: piece by piece, since all of it
+// may take many times the memory of the files.
 class JsonReport {
  public:
   using Findings = std::vector<const ZmConfigCheck::Finding*>;
@@ -15,16 +16,15 @@ class JsonReport {
   // With `sarif` in the Static Analysis Results Interchange Format 2.1.0, which has findings only;
   // else with all sections and their options.
   explicit JsonReport(bool sarif);
-  ~JsonReport();
-  JsonReport(const JsonReport&) = delete;
-  JsonReport& operator=(const JsonReport&) = delete;
-
   void add(const std::string& file, const ZmConfigCheck& check, const Findings& findings);
-  std::string text() const;
+  // `errors` and `warnings` are all there are, those that were not added included.
+  void end(std::size_t errors, std::size_t warnings);
 
  private:
-  struct Content;
-  std::unique_ptr<Content> content_;
+  void element(const std::string& text);
+
+  bool sarif_;
+  bool first_ = true;  // of an array
 };
 
 #endif

@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 
 #include "ZmConfigCheck.h"
 #include "ZmVersion.h"
@@ -28,7 +29,7 @@ constexpr std::string_view kHelp =
     "  --only RULE[,RULE]    silences all other rules\n"
     "  --strict              warnings make the status 1, too\n"
     "  --lowercase           names of sections in headers and of parents are lower-cased\n"
-    "  --limit N             shows N findings a file, 0 for all (default: 1000)\n"
+    "  --limit N             shows N findings a file, 0 for all (default: 1000, for programs all)\n"
     "  --color WHEN          auto, always or never\n"
     "  --rules               lists every rule with an example and its remedy\n"
     "  -h, --help            prints this text\n"
@@ -145,7 +146,9 @@ bool color(std::string_view when) {
 }  // namespace
 
 Options read_options(int argc, char** argv) {
+  constexpr std::size_t kScreens = 1000;  // findings that somebody may want to read
   Options options;
+  std::optional<std::size_t> limit;
   options.color = color("auto");
   ::opterr = 0;
   for (int code; (code = ::getopt_long(argc, argv, ":h", kOptions, nullptr)) != -1;) {
@@ -163,7 +166,7 @@ Options read_options(int argc, char** argv) {
     if (code == kOnly) add_rules(options.only, value);
     if (code == kStrict) options.strict = true;
     if (code == kLowercase) options.lowercase = true;
-    if (code == kLimit) options.limit = number(value);
+    if (code == kLimit) limit = number(value);
     if (code == kColor) options.color = color(value);
     if (code == kRules) print_rules();
     if (code == 'h') print(kHelp);
@@ -172,6 +175,7 @@ Options read_options(int argc, char** argv) {
     if (code == ':') usage("option " + given + " needs a value");
     if (code == '?') usage("there is no option " + given);
   }
+  options.limit = limit.value_or(options.view == View::kFindings ? kScreens : 0);
   options.files.assign(argv + ::optind, argv + argc);
   if (options.files.empty()) usage("no file is given");
   if (options.view >= View::kExplain && options.files.size() > 1)

@@ -23,7 +23,7 @@ struct Options {
   bool strict = false;
   bool lowercase = false;
   bool color = false;
-  std::size_t limit = 1000;  // findings of a file; 0: all
+  std::size_t limit = 0;  // findings of a file; 0: all
   std::vector<std::string> files;
 };
 

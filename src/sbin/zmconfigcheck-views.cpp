@@ -59,10 +59,14 @@ std::string followed(const std::string& file, const ZmConfigCheck::Reference& re
 }
 
 void print(const std::string& file, const ZmConfigCheck::History& history) {
-  const std::size_t last = history.assignments.size() - 1;
+  const bool only = history.assignments.size() == 1;
   for (const auto& set : history.assignments) {
+    const bool last = &set == &history.assignments.back();
     output().write("  " + where(file, set.label) + ": " + quoted(set.raw) + "\n    " + how(set) +
-                   (&set == &history.assignments[last] ? "" : "; replaced below") + "\n");
+                   (only   ? ""
+                    : last ? "; this one counts"
+                           : "; replaced below") +
+                   "\n");
   }
   for (const auto& reference : history.references) output().write(followed(file, reference));
 }

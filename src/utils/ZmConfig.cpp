@@ -132,6 +132,15 @@ const ZmString* ZmConfig::_find(std::string_view label) const {
   return options_._get(label, ZmBaseHashTable::hash(label));
 }
 
+int ZmConfig::_position(std::string_view label) const {
+  if (labels_) return labels_->find(zm_string(label));
+  const ZmBaseHashTable& table = options_._table();
+  if (table.entries() == 0) return -1;
+  const ZmBaseHashTable::Entry* first = &table.entry(0);  // entries don't move from here on
+  const ZmBaseHashTable::Entry* held = table.find(label, ZmBaseHashTable::hash(label));
+  return held ? static_cast<int>(held - first) : -1;
+}
+
 unsigned char ZmConfig::exists(const ZmString& label) const {
   return options_.get(label) != nullptr;
 }

@@ -123,6 +123,8 @@ class ZM_EXPORT ZmConfig : public ZmPack {
   void _replace(int i, std::string_view value);
   /// The value, lent as by option(); null when the label is absent.
   const ZmString* _find(std::string_view label) const;
+  /// The position of a label; -1 when it is absent.
+  int _position(std::string_view label) const;
   /// option(label, value), with the hash of the label. The position of a new label, -1 for a known
   /// one.
   int _store(std::string_view label, ZmBaseHashTable::Hash hash, std::string_view value,

@@ -1,12 +1,16 @@
 #include "ZmConfigCheck.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <climits>
 #include <utility>
 
 #include "ZmConfigCheckRules.h"
 #include "ZmConfigGraph.h"
 #include "ZmConfigHistory.h"
 #include "ZmConfigSurvey.h"
+#include "ZmFileReader.h"
 #include "ZmText.h"
 
 namespace {
@@ -24,9 +28,12 @@ Place placed(const Survey& survey, std::size_t at, std::size_t length) {
 
 // What stands behind the text of a finding.
 std::string where(const Survey::Found& found) {
+  const std::size_t more = found.sections - 1;
   std::string text;
-  if (found.sections > 1 || found.lenient) text = ", in section " + zm_shown(found.section);
-  if (found.sections > 1) text += " and " + std::to_string(found.sections - 1) + " more";
+  if (found.sections == 1 && found.lenient) text = ", in section " + zm_shown(found.section);
+  if (found.sections > 1)
+    text = ", in " + zm_shown(found.section) + " and " + std::to_string(more) + " more section" +
+           (more > 1 ? "s" : "");
   if (found.lenient) text += ", but not in all";
   return text;
 }
@@ -45,6 +52,26 @@ const std::vector<const ZmConfigCheck::Rule*>& ZmConfigCheck::rules() {
 const ZmConfigCheck::Rule* ZmConfigCheck::rule(std::string_view name) {
   const auto at = std::ranges::find(rules(), name, [](const Rule* rule) { return rule->name; });
   return at == rules().end() ? nullptr : *at;
+}
+
+std::unique_ptr<ZmConfigCheck> ZmConfigCheck::open(const std::string& path,
+                                                   unsigned char lowercase) {
+  const ZmOpenFile file(std::fopen(path.c_str(), "rb"));
+  return file ? read(file.get(), lowercase) : nullptr;
+}
+
+std::unique_ptr<ZmConfigCheck> ZmConfigCheck::read(std::FILE* file, unsigned char lowercase) {
+  std::string text;
+  struct stat status {};
+  if (::fstat(::fileno(file), &status) == 0 && status.st_size > 0 && status.st_size < INT_MAX)
+    text.reserve(static_cast<std::size_t>(status.st_size) + 1);
+  char block[65536];
+  for (std::size_t n; (n = std::fread(block, 1, sizeof block, file)) > 0;) {
+    text.append(block, n);
+    if (text.size() >= INT_MAX) return nullptr;
+  }
+  if (std::ferror(file)) return nullptr;
+  return std::make_unique<ZmConfigCheck>(std::move(text), lowercase);
 }
 
 ZmConfigCheck::ZmConfigCheck(std::string text, unsigned char lowercase)
@@ -79,7 +106,7 @@ std::string_view ZmConfigCheck::line(const Place& place) const {
 const ZmConfigHash& ZmConfigCheck::sections() const { return survey_->sections(); }
 
 ZmConfigCheck::Origin ZmConfigCheck::origin(const ZmConfig& section, int label) const {
-  const Survey::Source& source = survey_->source(section.value(label));
+  const Survey::Source& source = survey_->source(section, label);
   const Survey::Written& written = survey_->written(source.written);
   const std::size_t length = written.end - written.value_at;
   return {placed(*survey_, written.label_at, written.label.size()),

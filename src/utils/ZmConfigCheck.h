@@ -1,6 +1,8 @@
 #ifndef ZM_CONFIG_CHECK_H
 #define ZM_CONFIG_CHECK_H
 
+#include <cstddef>
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -18,9 +20,9 @@ class ZmConfigSurvey;
 /// misspelt reference reads as empty. This class watches ZmConfigFile's own reader at work and
 /// judges what it sees by a table of rules:
 ///
-///     const ZmConfigCheck check(ZmFile::load("farm.conf").value());
-///     for (const auto& finding : check.findings())
-///       std::cout << finding.place.line << ": " << finding.text << '\n';
+///     if (const auto check = ZmConfigCheck::open("farm.conf"))
+///       for (const auto& finding : check->findings())
+///         std::cout << finding.place.line << ": " << finding.text << '\n';
 ///
 /// There is one finding for each place of the text, however many sections share it. Lines and
 /// columns count from 1, columns in bytes, in the text as it was given. One thread at a time.
@@ -31,6 +33,11 @@ class ZM_EXPORT ZmConfigCheck : public ZmConfigCheckTypes {
   /// The rule of this name; null when there is none.
   static const Rule* rule(std::string_view name);
 
+  /// Reads and judges a file; null when it can't be opened or read to its end, or is too large for
+  /// ZmConfigFile (see ZmFile). Pipes are read, too.
+  static std::unique_ptr<ZmConfigCheck> open(const std::string& path, unsigned char lowercase = 0);
+  /// The same for what is left of an open file, as standard input, which stays open.
+  static std::unique_ptr<ZmConfigCheck> read(std::FILE* file, unsigned char lowercase = 0);
   /// Reads and judges the text, as ZmConfigFile would read it, `lowercase` included.
   explicit ZmConfigCheck(std::string text, unsigned char lowercase = 0);
   ~ZmConfigCheck();
@@ -55,6 +62,8 @@ class ZM_EXPORT ZmConfigCheck : public ZmConfigCheckTypes {
   /// Who inherits from and refers to whom, in the DOT language: a node a header, solid arrows to
   /// parents and dashed ones to the sections that values refer to, in red what is missing and what
   /// leads back to itself. With `connected` only the nodes with arrows.
+  ///
+  /// @image html farm.svg "What dot draws of examples/farm.conf"
   std::string graph(unsigned char connected) const;
   /// Where the section begins: its first header, or the option that made it.
   Place place(const ZmConfig& section) const;

@@ -128,9 +128,9 @@ void cut_by_comment(Survey& survey, const ZmConfigStatement& it) {
 
 void repeated_option(Survey& survey, const ZmConfigStatement& it) {
   if (it.line.qualifier_at != ZmConfigLine::kNone) return;
-  const std::uint32_t before = survey.before(it.line.label);
-  if (before == Survey::kNone) return;
-  const auto& first = survey.written(before);
+  const std::uint32_t number = survey.first(it.line.label);
+  if (number == Survey::kNone) return;
+  const auto& first = survey.written(number);
   survey.report(it.line.label_at, it.line.label.size(),
                 zm_shown(it.line.label) + " has been set under this header",
                 {{first.label_at, first.label.size(), "it is set here"}});
@@ -149,10 +149,9 @@ void dotted_name(Survey& survey) {
 
 void created_by_qualifier(Survey& survey) {
   for (const auto& [section, number] : survey.made()) {
-    const auto& written = survey.written(number);
-    survey.report(
-        written.qualifier_at, zm_view(section->name()).size(),
-        "no header names section " + zm_shown(zm_view(section->name())) + ": it is made here");
+    const std::string_view name = zm_view(section->name());
+    survey.report(survey.written(number).qualifier_at, name.size(),
+                  "no header names section " + zm_shown(name) + ": it is made here");
   }
 }
 
@@ -198,13 +197,13 @@ void odd_section_name(Survey& survey, const ZmConfigHeading& it) {
 
 bool padded(std::string_view number) { return number.size() > 1 && number[0] == '0'; }
 
-// The numbers in a text that are no part of a longer word.
+// The numbers in a text, but for steps.
 std::vector<std::string_view> numbers(std::string_view text) {
   std::vector<std::string_view> found;
-  for (ZmTextCursor in(text); !in.eof(); in.take()) {
+  std::string_view before;
+  for (ZmTextCursor in(text); !in.eof(); before = in.take()) {
     const std::string_view digits = in.skip(kDigit);
-    if (!digits.empty()) found.push_back(digits);
-    if (in.eof()) break;
+    if (!digits.empty() && before != "x" && before != "X") found.push_back(digits);
   }
   return found;
 }
@@ -221,10 +220,13 @@ void lost_padding(Survey& survey, const ZmConfigHeading& it) {
     in.until(kOpen);
     in.take();
     const auto range = numbers(in.until(kClose));
-    if (range.size() < 2 || !padded(range[1]) || range[1].size() <= range[0].size()) continue;
+    const auto wider = std::ranges::find_if(range, [&](std::string_view number) {
+      return padded(number) && number.size() > range.front().size();
+    });
+    if (wider == range.end()) continue;
     return survey.report(it.at, length,
-                         "names are padded like the first number, " + zm_shown(range[0]) +
-                             ", not like " + zm_shown(range[1]));
+                         "names are padded like the first number, " + zm_shown(range.front()) +
+                             ", not like " + zm_shown(*wider));
   }
 }
 

@@ -5,12 +5,13 @@
 
 namespace {
 
-std::string quoted(std::string_view text) {
+std::string quoted(std::string_view text, std::string_view below = {}) {
   std::string all = "\"";
   for (const char c : text) {
     if (c == '"' || c == '\\') all += '\\';
     all += c == '\n' || c == '\r' ? ' ' : c;
   }
+  if (!below.empty()) all.append("\\n").append(below);
   return all + '"';
 }
 
@@ -32,7 +33,7 @@ void ZmConfigGraph::parent(const ZmConfigToken& token, const ZmConfig* found) {
 void ZmConfigGraph::use(const ZmConfigUse& use) {
   ZmConfigSurvey::use(use);
   if (!use.piece.qualified) return;
-  const Written& line = written(source(*use.option).written);
+  const Written& line = written(referring(*use.option).written);
   const ZmConfig* to = section(use.piece.section);
   const bool headed = line.heading != kNone && line.qualifier_at == kNone;
   const std::string from = headed ? headings()[line.heading].name : node(*section(use.home));
@@ -66,7 +67,7 @@ std::string ZmConfigGraph::run(bool lowercase, bool connected) {
   for (const auto& [name, size] : known) {
     if (connected && !met.contains(name)) continue;
     text += "  " + quoted(name);
-    if (size > 1) text += " [xlabel=\"" + std::to_string(size) + " sections\"]";
+    if (size > 1) text += " [label=" + quoted(name, std::to_string(size) + " sections") + "]";
     text += ";\n";
   }
   for (const std::string& name : met)

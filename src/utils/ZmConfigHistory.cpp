@@ -70,12 +70,11 @@ ZmConfigCheckTypes::History ZmConfigHistory::of(std::string_view source, bool lo
 }
 
 ZmConfigHistory::Watched* ZmConfigHistory::watched(std::string_view section,
-                                                   const ZmString& value) {
+                                                   std::string_view label) {
   // The section first: there may be very many, and few of them are watched.
   const auto near = watched_.lower_bound({std::string(section), std::string()});
   if (near == watched_.end() || near->first.first != section) return nullptr;
-  const auto at =
-      watched_.find({near->first.first, std::string(written(source(value).written).label)});
+  const auto at = watched_.find({near->first.first, std::string(label)});
   return at == watched_.end() ? nullptr : &at->second;
 }
 
@@ -84,13 +83,18 @@ ZmConfigCheckTypes::Place ZmConfigHistory::place(std::size_t at, std::size_t len
   return {here.line, here.column, here.offset, length};
 }
 
-void ZmConfigHistory::stored(const ZmConfig& section, const ZmString& value, const ZmConfig* parent,
+// Of an option with references.
+std::string_view ZmConfigHistory::label(const ZmString& option) const {
+  return written(referring(option).written).label;
+}
+
+void ZmConfigHistory::stored(const ZmConfig& section, int label, const ZmConfig* parent,
                              std::size_t number) {
-  ZmConfigSurvey::stored(section, value, parent, number);
-  Watched* watch = watched(zm_view(section.name()), value);
+  ZmConfigSurvey::stored(section, label, parent, number);
+  Watched* watch = watched(zm_view(section.name()), zm_view(section.label(label)));
   if (!watch) return;
-  watch->history.value = zm_view(value);
-  const Written& line = written(source(value).written);
+  watch->history.value = zm_view(section.value(label));
+  const Written& line = written(source(section, label).written);
   ZmConfigCheckTypes::Assignment& set = watch->history.assignments.emplace_back();
   set.label = place(line.label_at, line.label.size());
   set.value = place(line.value_at, line.end - line.value_at);
@@ -109,7 +113,8 @@ void ZmConfigHistory::stored(const ZmConfig& section, const ZmString& value, con
 void ZmConfigHistory::use(const ZmConfigUse& use) {
   ZmConfigSurvey::use(use);
   open_.resize(use.depth, {nullptr, 0});
-  Watched* watch = source(*use.option).expanded ? nullptr : watched(use.home, *use.option);
+  Watched* watch =
+      referring(*use.option).expanded ? nullptr : watched(use.home, label(*use.option));
   Steps* steps = nullptr;
   if (watch) {
     watch->last = use.scope;
@@ -121,7 +126,8 @@ void ZmConfigHistory::use(const ZmConfigUse& use) {
     step.value = use.result;
     step.circle = use.circle;
     if (use.piece.value) {
-      const Written& line = written(source(*use.piece.value).written);
+      const ZmConfig& to = *section(use.piece.section);
+      const Written& line = written(source(to, to._position(use.piece.label)).written);
       step.place = place(line.label_at, line.label.size());
     }
   }
@@ -138,8 +144,8 @@ void ZmConfigHistory::leave(std::string_view result) {
 std::string ZmConfigHistory::joined(const ZmConfig& section, const ZmString& value) const {
   const std::string_view name = zm_view(section.name());
   const ZmConfigScope scope{sections(), name, &section};
-  const std::string label(written(source(value).written).label);
-  const auto* found = known(watched_, {std::string(name), label}, std::string(name));
+  const auto* found =
+      known(watched_, {std::string(name), std::string(label(value))}, std::string(name));
   std::string text;
   std::size_t next = 0;
   for (ZmTextCursor in(zm_view(value)); !in.eof();) {
@@ -154,7 +160,7 @@ std::string ZmConfigHistory::joined(const ZmConfig& section, const ZmString& val
 void ZmConfigHistory::expanded(const ZmConfig& section, const ZmString& value,
                                std::string_view result) {
   open_.clear();
-  if (Watched* watch = watched(zm_view(section.name()), value)) {
+  if (Watched* watch = watched(zm_view(section.name()), label(value))) {
     watch->history.value = result;
     watch->history.consistent = joined(section, value) == result;
   }

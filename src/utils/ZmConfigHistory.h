@@ -36,12 +36,13 @@ class ZmConfigHistory : private ZmConfigSurvey {
     Steps* steps;  // null: it is not watched
     std::size_t step;
   };
-  void stored(const ZmConfig& section, const ZmString& value, const ZmConfig* parent,
+  void stored(const ZmConfig& section, int label, const ZmConfig* parent,
               std::size_t number) override;
   void use(const ZmConfigUse& use) override;
   void leave(std::string_view result) override;
   void expanded(const ZmConfig& section, const ZmString& value, std::string_view result) override;
-  Watched* watched(std::string_view section, const ZmString& value);
+  Watched* watched(std::string_view section, std::string_view label);
+  std::string_view label(const ZmString& option) const;
   std::string joined(const ZmConfig& section, const ZmString& value) const;
   ZmConfigCheckTypes::Place place(std::size_t at, std::size_t length) const;
 

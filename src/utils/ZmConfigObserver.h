@@ -64,11 +64,13 @@ class ZmConfigObserver {
   // A section that gets options: of the header just told, the default one, or one of a qualifier.
   virtual void section(const ZmConfig&, bool /*made*/) {}
   virtual void parent(const ZmConfigToken&, const ZmConfig* /*found*/) {}
-  virtual void option(const ZmConfigLine&) {}
+  // Gives the number by which stored() names the line: one above that of the line before.
+  virtual std::size_t option(const ZmConfigLine&) { return 0; }
   virtual void stop(const ZmConfigStop&) {}
-  // The section stores a value: that of the line `number` (from 0, as told), or, when there is a
-  // parent, that of its label `number`. Lines for several sections may be stored much later.
-  virtual void stored(const ZmConfig&, const ZmString& /*value*/, const ZmConfig* /*parent*/,
+  // The section stores a value for its label at this position: that of the line `number`, or, when
+  // there is a parent, that of its label `number`. Lines for several sections may be stored much
+  // later.
+  virtual void stored(const ZmConfig&, int /*label*/, const ZmConfig* /*parent*/,
                       std::size_t /*number*/) {}
 
   // Expanding.

@@ -117,10 +117,10 @@ bool ZmConfigReader::option() {
   if (!more_) return stop(at, label, true);
   const std::size_t value_at = token_.offset;
   Option option(label, joined(token_.is('"'), longer_value));
-  option.number = lines_++;
   if (observer_) [[unlikely]] {
     const std::size_t qualifier_at = qualified ? at : ZmConfigLine::kNone;
-    observer_->option({label_at, qualifier_at, value_at, label, qualifier, option.value});
+    option.number =
+        observer_->option({label_at, qualifier_at, value_at, label, qualifier, option.value});
   }
   if (qualified) {
     flush();
@@ -217,8 +217,8 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
 
 void ZmConfigReader::told(const Target& target, int label, const Option& option) {
   const ZmConfig& config = *target.config;
-  const ZmString& value = label < 0 ? *config._find(option.label) : config.value(label);
-  observer_->stored(config, value, option.parent, option.number);
+  if (label < 0) label = config._position(option.label);
+  observer_->stored(config, label, option.parent, option.number);
 }
 
 // The section of this name, made when there is none.

@@ -46,7 +46,7 @@ class ZmConfigReader {
     bool refers;                       // whether the value holds references
     bool local;                        // whether they name "self" or "this"
     const ZmConfig* parent = nullptr;  // that lends it
-    std::size_t number = 0;            // its place there, or among the lines told to the observer
+    std::size_t number = 0;            // its place there, or what the observer calls its line
   };
   // A new option with references, at this position of a created section.
   struct Referring {
@@ -88,8 +88,7 @@ class ZmConfigReader {
   std::vector<Target> current_;  // the sections of the last header
   // Labels and values for several current sections, until something else may look at these.
   std::vector<std::pair<std::string, std::string>> waiting_;
-  std::size_t waiting_from_ = 0;    // number of the first of these among the options read
-  std::size_t lines_ = 0;           // options read so far
+  std::size_t waiting_from_ = 0;    // what the observer calls the first of these
   std::vector<ZmConfig*> created_;  // the sections made by this reading
   // Which options refer to others, so that the many without a "$" are not looked at again; but
   // sections that got some in another way are read through.

@@ -44,7 +44,7 @@ std::size_t ZmConfigSurvey::line_end(std::size_t at) const {
   return std::min(text().find_first_of(kLineEnd, at), text().size());
 }
 
-std::uint32_t ZmConfigSurvey::before(std::string_view label) const {
+std::uint32_t ZmConfigSurvey::first(std::string_view label) const {
   const auto met = labels_.find(label);
   return met == labels_.end() ? kNone : met->second;
 }
@@ -66,15 +66,13 @@ void ZmConfigSurvey::ask(const Thing&... thing) {
 }
 
 std::vector<ZmConfigSurvey::Found> ZmConfigSurvey::run(bool lowercase) {
-  constexpr std::size_t kLine = 32;  // bytes of an option line in most files
-  sources_.reserve(text().size() / kLine);
   const ZmString home("default");
   ZmConfigReader(sections_, home, lowercase, text(), this).run();
   ask<ZmEndRule>();
   verdicts();
   std::erase_if(found_, [this](const Found& found) { return silenced(found); });
-  std::ranges::stable_sort(found_, {},
-                           [](const Found& f) { return std::tuple(f.mark.at, f.rule); });
+  const auto place = [](const Found& f) { return std::tuple(f.mark.at, f.rule); };
+  if (!std::ranges::is_sorted(found_, {}, place)) std::ranges::stable_sort(found_, {}, place);
   return std::move(found_);
 }
 
@@ -117,10 +115,10 @@ void ZmConfigSurvey::section(const ZmConfig& section, bool made) {
     Heading& heading = headings_.back();
     if (!heading.first) heading.first = &section;
     ++heading.sections;
-    homes_.try_emplace(&section, narrow(headings_.size() - 1));
-    makers_.erase(&section);
+    std::uint32_t& first = known_[&section].heading;
+    if (first == kNone) first = narrow(headings_.size() - 1);
   } else if (made && written_.back().qualifier_at != kNone) {
-    makers_.emplace(&section, narrow(written_.size() - 1));
+    known_[&section].maker = narrow(written_.size() - 1);
   }
 }
 
@@ -128,7 +126,7 @@ void ZmConfigSurvey::parent(const ZmConfigToken& token, const ZmConfig* found) {
   if (!found) missing_.push_back({token.offset, keep(token.text)});
 }
 
-void ZmConfigSurvey::option(const ZmConfigLine& line) {
+std::size_t ZmConfigSurvey::option(const ZmConfigLine& line) {
   heading_ = false;
   const auto value = std::ranges::find_if(
       pieces_, [&](const Part& part) { return part.token.offset >= line.value_at; });
@@ -139,14 +137,16 @@ void ZmConfigSurvey::option(const ZmConfigLine& line) {
                                     narrow(written_.size())};
   ask<ZmLineRule>(statement);
   const std::string_view label = keep(line.label);
-  written_.push_back(
-      {label, keep(line.value), headings_.empty() ? kNone : narrow(headings_.size() - 1),
-       narrow(line.label_at), narrow(line.qualifier_at), narrow(line.value_at), narrow(end)});
+  written_.push_back({label, keep(line.value),
+                      headings_.empty() ? kNone : narrow(headings_.size() - 1),
+                      narrow(line.label_at), narrow(line.qualifier_at), narrow(line.value_at),
+                      narrow(end), zm_has_reference(line.value)});
   if (line.qualifier_at == ZmConfigLine::kNone) {
-    labels_[label] = statement.number;
+    labels_.try_emplace(label, statement.number);
     if (label.find('.') != std::string_view::npos) dotted_.push_back(statement.number);
   }
   next();
+  return statement.number;
 }
 
 // The reader goes no further, but a comment on this line may still ask for silence about it.
@@ -159,13 +159,15 @@ void ZmConfigSurvey::stop(const ZmConfigStop& stop) {
   ask<ZmStopRule>(stop);
 }
 
-void ZmConfigSurvey::stored(const ZmConfig&, const ZmString& value, const ZmConfig* parent,
+void ZmConfigSurvey::stored(const ZmConfig& section, int label, const ZmConfig* parent,
                             std::size_t number) {
-  Source source{narrow(number), false, parent};
-  if (parent) source.written = sources_.at(&parent->value(static_cast<int>(number))).written;
-  const auto [at, made] = sources_.try_emplace(&value, source);
-  if (!made) --written_[std::exchange(at->second, source).written].stored;
-  ++written_[source.written].stored;
+  std::uint32_t line = narrow(number);
+  if (parent) line = source(*parent, static_cast<int>(number)).written;
+  std::vector<Source>& options = known_[&section].options;
+  const auto at = static_cast<std::size_t>(label);
+  if (at >= options.size()) options.resize(at + 1);
+  options[at] = {line, parent};
+  if (written_[line].refers) referring_[&section.value(label)] = {line, false};
 }
 
 // A piece of the cleaned text stays, others are kept here.
@@ -187,36 +189,47 @@ void ZmConfigSurvey::comment(std::size_t at) {
   if (text().size() < places_.size()) comments_.push_back(at);
   ZmTextCursor in(text().substr(at + 1));
   in.skip(kBlank);
-  if (!in.rest().starts_with(kMark)) return;
-  in.take(kMark.size());
-  in.skip(kBlank);
-  if (in.rest().starts_with(kIgnore)) silence(at, text().size() - in.left() + kIgnore.size());
+  if (in.rest().starts_with(kMark)) {
+    in.take(kMark.size());
+    in.skip(kBlank);
+    if (in.rest().starts_with(kIgnore))
+      return silence(at, named(text().size() - in.left() + kIgnore.size(), line_end(at)));
+  }
+  if (!silences_.empty() && silences_.back().to > at) silence(at, 0);
 }
 
-// The line of the comment, or the one behind it when nothing else stands there.
-void ZmConfigSurvey::silence(std::size_t at, std::size_t names) {
-  const std::size_t start = text().find_last_of(kLineEnd, at) + 1;  // without one: from 0 on
-  const bool alone =
-      text().substr(start, at - start).find_first_not_of(" \t") == std::string_view::npos;
-  const std::size_t end = line_end(at);
-  Silence silence{start, end, 0};
-  if (alone) {
-    silence.from = std::min(end + (text().substr(end, 2) == kLineEnd ? 2 : 1), text().size());
-    silence.to = line_end(silence.from);
-  }
-  constexpr ZmCharSet kBetween(" \t,"), kStop(" \t,\r\n");
-  ZmTextCursor in(text().substr(names, end - names));
+// The rules that a comment names.
+std::uint32_t ZmConfigSurvey::named(std::size_t from, std::size_t to) {
+  constexpr ZmCharSet kBetween(" \t,");
+  std::uint32_t named = 0;
+  ZmTextCursor in(text().substr(from, to - from));
   for (in.skip(kBetween); !in.eof(); in.skip(kBetween)) {
-    const std::size_t place = end - in.left();
-    const std::string_view name = in.until(kStop);
+    const std::size_t place = to - in.left();
+    const std::string_view name = in.until(kBetween);
     const auto rule = std::ranges::find(rules_, name, [](const Rule& r) { return r.rule.name; });
     if (rule == rules_.end()) {
       unknown_.push_back({place, name});
     } else {
-      silence.rules |= 1U << (rule - rules_.begin());
+      named |= 1U << (rule - rules_.begin());
     }
   }
-  silences_.push_back(silence);
+  return named;
+}
+
+// On the line of the comment, or on the next one when nothing else stands there. Where that holds
+// a comment only, too, the one behind it counts: comments may stand one above the other.
+void ZmConfigSurvey::silence(std::size_t at, std::uint32_t rules) {
+  const std::size_t start = text().find_last_of(kLineEnd, at) + 1;  // without one: from 0 on
+  const bool alone =
+      text().substr(start, at - start).find_first_not_of(" \t") == std::string_view::npos;
+  const std::size_t end = line_end(at);
+  if (!alone) return silences_.push_back({start, end, rules});
+  const std::size_t next = end + (text().substr(end, 2) == kLineEnd ? 2 : 1);
+  const std::size_t behind = line_end(next);
+  if (silences_.empty() || silences_.back().to != end)
+    return silences_.push_back({next, behind, rules});
+  silences_.back().to = behind;
+  silences_.back().rules |= rules;
 }
 
 bool ZmConfigSurvey::silenced(const Found& found) const {
@@ -239,8 +252,8 @@ std::size_t ZmConfigSurvey::SpotHash::operator()(const Spot& spot) const {
 }
 
 void ZmConfigSurvey::use(const ZmConfigUse& use) {
-  const auto met = sources_.find(use.option);
-  if (met == sources_.end() || met->second.expanded) return;
+  const auto met = referring_.find(use.option);
+  if (met == referring_.end() || met->second.expanded) return;
   for (const Rule* rule : rules_of<ZmUseRule>()) judge(*rule, use, met->second.written);
   if (!use.circle) return;
   std::vector<Edge>& edges = edges_[use.option];
@@ -273,11 +286,11 @@ void ZmConfigSurvey::circle(const ZmString& option) { circles_.push_back(&option
 
 void ZmConfigSurvey::expanded(const ZmConfig&, const ZmString& value, std::string_view result) {
   constexpr std::size_t kLarge = std::size_t{1} << 20, kTimes = 100;
-  Source& source = sources_.at(&value);
-  source.expanded = true;
-  if (result.size() <= kLarge || result.size() / kTimes < written_[source.written].raw.size())
+  Referring& option = referring_.at(&value);
+  option.expanded = true;
+  if (result.size() <= kLarge || result.size() / kTimes < written_[option.written].raw.size())
     return;
-  std::size_t& grown = grown_[source.written];
+  std::size_t& grown = grown_[option.written];
   grown = std::max(grown, result.size());
 }
 
@@ -366,7 +379,7 @@ void ZmConfigSurvey::loops() {
     const std::vector<Step> steps = loop(*first, done);
     if (steps.empty()) continue;
     const Step& closing = steps.back();
-    const std::uint32_t line = sources_.at(closing.from).written;
+    const std::uint32_t line = referring(*closing.from).written;
     const auto [at, made] =
         told.try_emplace(std::uint64_t{line} << 32 | closing.edge->number, found_.size());
     if (made) {
@@ -403,7 +416,7 @@ std::vector<ZmConfigSurvey::Step> ZmConfigSurvey::loop(
 void ZmConfigSurvey::tell(const std::vector<Step>& steps) {
   std::vector<Mark> notes;
   for (const Step& step : steps) {
-    const Written& written = written_[sources_.at(step.from).written];
+    const Written& written = written_[referring(*step.from).written];
     const std::vector<Mark> marks = references(written, step.edge->home);
     Mark mark =
         step.edge->number < marks.size() ? marks[step.edge->number] : Mark{written.value_at, 1, {}};
@@ -421,21 +434,35 @@ void ZmConfigSurvey::tell(const std::vector<Step>& steps) {
 
 // Whether every option without references is what its line says.
 bool ZmConfigSurvey::consistent() const {
-  for (const auto& [value, source] : sources_) {
-    const std::string_view raw = written_[source.written].raw;
-    if (!zm_has_reference(raw) && raw != zm_view(*value)) return false;
+  for (const auto& [section, known] : known_) {
+    if (known.options.size() != static_cast<std::size_t>(section->length())) return false;
+    int label = 0;
+    for (const Source& source : known.options) {
+      const Written& line = written_[source.written];
+      if (!line.refers && line.raw != zm_view(section->value(label))) return false;
+      ++label;
+    }
   }
   return true;
 }
 
 const ZmConfigSurvey::Heading* ZmConfigSurvey::heading(const ZmConfig& section) const {
-  const auto home = homes_.find(&section);
-  return home == homes_.end() ? nullptr : &headings_[home->second];
+  const auto known = known_.find(&section);
+  const bool headed = known != known_.end() && known->second.heading != kNone;
+  return headed ? &headings_[known->second.heading] : nullptr;
+}
+
+std::vector<std::pair<const ZmConfig*, std::uint32_t>> ZmConfigSurvey::made() const {
+  std::vector<std::pair<const ZmConfig*, std::uint32_t>> all;
+  for (const auto& [section, known] : known_)
+    if (known.heading == kNone && known.maker != kNone) all.emplace_back(section, known.maker);
+  return all;
 }
 
 std::size_t ZmConfigSurvey::beginning(const ZmConfig& section) const {
   if (const Heading* home = heading(section)) return home->at;
-  if (const auto maker = makers_.find(&section); maker != makers_.end())
-    return written_[maker->second].qualifier_at;
+  const auto known = known_.find(&section);
+  if (known != known_.end() && known->second.maker != kNone)
+    return written_[known->second.maker].qualifier_at;
   return written_.empty() ? 0 : written_.front().label_at;  // the default section
 }

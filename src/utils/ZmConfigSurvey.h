@@ -12,6 +12,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -41,13 +42,12 @@ class ZmConfigSurvey : public ZmConfigObserver {
     std::uint32_t label_at;
     std::uint32_t qualifier_at;
     std::uint32_t value_at;
-    std::uint32_t end;         // of the value
-    std::uint32_t stored = 0;  // in how many sections
+    std::uint32_t end;  // of the value
+    bool refers;        // the value holds a "$"
   };
   // What an option of a section comes from.
   struct Source {
-    std::uint32_t written;
-    bool expanded = false;             // its text is no longer the one that was written
+    std::uint32_t written = kNone;
     const ZmConfig* parent = nullptr;  // that it was copied from
   };
   struct Mark {
@@ -78,8 +78,8 @@ class ZmConfigSurvey : public ZmConfigObserver {
   const Written& written(std::uint32_t number) const { return written_[number]; }
   std::size_t comment() const { return comment_; }  // the last one, or ZmConfigScanner::kNone
   std::size_t line_end(std::size_t at) const;
-  // The line of the same header that set the label before; kNone without one.
-  std::uint32_t before(std::string_view label) const;
+  // The first line of the same header that set the label; kNone without one.
+  std::uint32_t first(std::string_view label) const;
 
   struct Missing {
     std::size_t at;
@@ -87,9 +87,6 @@ class ZmConfigSurvey : public ZmConfigObserver {
   };
   const std::vector<Missing>& missing() const { return missing_; }      // parents
   const std::vector<std::uint32_t>& dotted() const { return dotted_; }  // "." in the label
-  const auto& made() const {
-    return makers_;
-  }  // sections without a header, and the line that made them
   const auto& grown() const { return grown_; }  // lines with a large value, and its length
   const std::vector<Missing>& unknown() const { return unknown_; }  // rules to be ignored
   std::size_t unclosed() const { return unclosed_; }                // a brace
@@ -103,7 +100,11 @@ class ZmConfigSurvey : public ZmConfigObserver {
   // Reads the text, asks all rules and gives everything found, in the order of the text.
   std::vector<Found> run(bool lowercase);
   bool consistent() const;
-  const Source& source(const ZmString& value) const { return sources_.at(&value); }
+  const Source& source(const ZmConfig& section, int label) const {
+    return known_.at(&section).options[static_cast<std::size_t>(label)];
+  }
+  // The sections without a header that a qualifier made, and the lines where it did.
+  std::vector<std::pair<const ZmConfig*, std::uint32_t>> made() const;
   // The heading that a section was first of; null without one.
   const Heading* heading(const ZmConfig& section) const;
   // Where the section begins: its first header, else the line that made it.
@@ -113,13 +114,21 @@ class ZmConfigSurvey : public ZmConfigObserver {
   void header(const ZmConfigHeading& heading) override;
   void section(const ZmConfig& section, bool made) override;
   void parent(const ZmConfigToken& token, const ZmConfig* found) override;
-  void option(const ZmConfigLine& line) override;
+  std::size_t option(const ZmConfigLine& line) override;
   void stop(const ZmConfigStop& stop) override;
-  void stored(const ZmConfig& section, const ZmString& value, const ZmConfig* parent,
+  void stored(const ZmConfig& section, int label, const ZmConfig* parent,
               std::size_t number) override;
   void use(const ZmConfigUse& use) override;
   void circle(const ZmString& option) override;
   void expanded(const ZmConfig& section, const ZmString& value, std::string_view result) override;
+
+ protected:
+  // An option with references.
+  struct Referring {
+    std::uint32_t written;
+    bool expanded = false;  // its text is no longer the one that was written
+  };
+  const Referring& referring(const ZmString& option) const { return referring_.at(&option); }
 
  private:
   // Where references are judged: a "$" of a line.
@@ -145,7 +154,12 @@ class ZmConfigSurvey : public ZmConfigObserver {
     std::string home;
     std::string label;
   };
-  struct Silence {
+  struct Known {                    // of a section
+    std::uint32_t heading = kNone;  // the first one that it is of
+    std::uint32_t maker = kNone;    // the line that made it by a qualifier
+    std::vector<Source> options;    // by their positions
+  };
+  struct Silence {  // the lines between two places
     std::size_t from;
     std::size_t to;
     std::uint32_t rules;
@@ -162,7 +176,8 @@ class ZmConfigSurvey : public ZmConfigObserver {
   std::string_view keep(std::string_view text);
   bool keeps(std::string_view text) const;
   void comment(std::size_t at);
-  void silence(std::size_t at, std::size_t names);
+  void silence(std::size_t at, std::uint32_t rules);
+  std::uint32_t named(std::size_t from, std::size_t to);
   void judge(const Rule& rule, const ZmConfigUse& use, std::uint32_t written);
   void verdicts();
   struct Step;
@@ -183,9 +198,8 @@ class ZmConfigSurvey : public ZmConfigObserver {
 
   std::vector<Heading> headings_;
   std::vector<Written> written_;
-  std::unordered_map<const ZmString*, Source> sources_;
-  std::unordered_map<const ZmConfig*, std::uint32_t> homes_;   // the heading that a section is of
-  std::unordered_map<const ZmConfig*, std::uint32_t> makers_;  // of those made by a qualifier
+  std::unordered_map<const ZmConfig*, Known> known_;
+  std::unordered_map<const ZmString*, Referring> referring_;
   bool heading_ = false;  // sections told are those of the last header
 
   std::vector<ZmConfigPart> pieces_;  // tokens since the last header or line

@@ -18,7 +18,7 @@ for made in "$top"/build/package/*.deb "$top"/build/package/src/api/libZmApi.a \
   cmp "$made" "$copy${made#"$top"}"
 done
 
-ls "$top"/build/package/libzmapi-doc_*.deb  # made only where Doxygen is
+ls "$top"/build/package/libzmapi-doc_*.deb  # made only where Doxygen and dot are
 lintian --fail-on error,warning --allow-root "$top"/build/package/*.deb
 for package in "$top"/build/package/*.deb; do
   dpkg-deb -x "$package" "$work/root"

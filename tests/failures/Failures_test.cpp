@@ -349,7 +349,7 @@ std::string run(ZmPackObj& element) {
   for (ZmPackObj* at = &element; at->length() < 9; at = at->get(1)) {
     for (int i = 0; i < 9; ++i) {
       auto one = std::make_unique<ZmPackObj>();
-      one->name(std::make_shared<ZmString>(kLong));
+      one->name(kLong);
       at->push(one.get());  // takes nothing when it throws
       static_cast<void>(one.release());
     }

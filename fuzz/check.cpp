@@ -58,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   checkfindings(check, text);
   ZmStringList names;
   file.keys(names);
-  require(names.length() == check.sections()._table().count());
+  require(names.length() == check.sections().length());
   for (int i = 0; i < names.length(); ++i) {
     const ZmConfig* section = check.sections().get(*names.get(i));
     require(section && section->convert() == file.config(*names.get(i))->convert());

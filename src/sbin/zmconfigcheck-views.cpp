@@ -111,7 +111,7 @@ int explain(const std::string& file, const ZmConfigCheck& check, const std::stri
     const std::string_view first = std::string_view(name).substr(0, at);
     const std::string_view label = std::string_view(name).substr(at + 1);
     const ZmConfig* found = section(check, first);
-    if (found && found->_find(label)) return explain_option(file, check, first, label);
+    if (found && found->find(label)) return explain_option(file, check, first, label);
   }
   fail(file + " has no section and no option \"" + name + "\"");
 }
@@ -129,7 +129,7 @@ int diff(const std::string& file, const ZmConfigCheck& check, const std::string&
     if (other < 0 || a.value(i) != b.value(other)) blocks.emplace_back(i, other);
   }
   for (int i = 0; i < b.length(); ++i)
-    if (!a._find(zm_view(b.label(i)))) blocks.emplace_back(-1, i);
+    if (!a.find(zm_view(b.label(i)))) blocks.emplace_back(-1, i);
   if (blocks.empty()) return 0;
   output().write("--- " + first + "\n+++ " + second + "\n");
   for (const auto& [in_a, in_b] : blocks) {

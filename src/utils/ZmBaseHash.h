@@ -2,6 +2,7 @@
 #define ZM_BASE_HASH_H
 
 #include <new>
+#include <string_view>
 #include <type_traits>
 
 #include "ZmBaseHashTable.h"
@@ -42,6 +43,10 @@ class ZM_EXPORT ZmBaseHash {
   }
   /// The value stored under the key, lent; null when there is none.
   T* get(const ZmString& key) const { return static_cast<T*>(table_.get(key)); }
+  /// get() for a key that is no ZmString.
+  T* find(std::string_view key) const {
+    return static_cast<T*>(table_.get(key, ZmBaseHashTable::hash(key)));
+  }
   /// Stores the pair and owns both; an earlier pair of an equal key is destroyed. The value may be
   /// null. 0 when the key is null, which takes nothing.
   ///
@@ -56,8 +61,8 @@ class ZM_EXPORT ZmBaseHash {
     copied.release();
     return 1;
   }
-  /// set(), which destroys both when it throws.
-  void _own(ZmOwned<T> value, ZmOwned<ZmString> key) {
+  /// The same for owned ones, which are destroyed when it throws.
+  void set(ZmOwned<T> value, ZmOwned<ZmString> key) {
     set(value.get(), key.get());
     value.release();
     key.release();
@@ -102,21 +107,9 @@ class ZM_EXPORT ZmBaseHash {
   void release() { table_.clear(nullptr); }   ///< Destroys the keys and forgets the values.
   void resize() { table_.resize(_destroy); }  ///< Grows the table; set() does so when it must.
 
-  /// @name For the library's own classes, which know the hash of the key
-  /// @{
-
-  /// As get().
-  T* _get(std::string_view key, ZmBaseHashTable::Hash hash) const {
-    return static_cast<T*>(table_.get(key, hash));
-  }
-  /// As set().
-  unsigned char _set(T* value, ZmString* key, ZmBaseHashTable::Hash hash) {
-    return table_.set(value, key, hash, _destroy);
-  }
-  const ZmBaseHashTable& _table() const { return table_; }  ///< For walking over the pairs.
-  /// To store without a second search.
+ protected:
+  const ZmBaseHashTable& _table() const { return table_; }
   ZmBaseHashTable& _table() { return table_; }
-  /// @}
 
  private:
   static void _destroy(void* value) { delete static_cast<T*>(value); }

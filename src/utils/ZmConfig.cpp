@@ -77,26 +77,25 @@ const ZmString& ZmConfig::value(int i) const {
   return value ? *value : zm_no_text();
 }
 
-void ZmConfig::_replace(int i, std::string_view value) {
+void ZmConfig::value(int i, std::string_view value) {
   if (ZmString* stored = _valueat(i)) stored->_fit(value.data(), static_cast<int>(value.size()));
 }
 
 void ZmConfig::option(const ZmString& label, const ZmString& value) {
-  _store(zm_view(label), ZmBaseHashTable::hash(zm_view(label)), zm_view(value), value.secure());
+  option(ZmConfigLabel(zm_view(label)), zm_view(value), value.secure());
 }
 
 // One search serves both: where the label is and where a new one goes.
-int ZmConfig::_store(std::string_view label, ZmBaseHashTable::Hash hash, std::string_view value,
-                     unsigned char secure) {
+int ZmConfig::option(const ZmConfigLabel& label, std::string_view value, unsigned char secure) {
   const ZmBaseHashTable& table = options_._table();
-  const ZmBaseHashTable::Spot spot = table.locate(label, hash);
+  const ZmBaseHashTable::Spot spot = table.locate(label.text, label.hash);
   const auto length = static_cast<int>(value.size());
   if (spot.found >= 0 && spot.found == spot.place) {
     // Written over where it stands, as if it were replaced: an empty one is undefined, as a new
     // one. But a secure text has to be wiped, and an equal label with other bytes behind a zero
     // byte takes the place of the old one.
     auto* stored = static_cast<ZmString*>(table.value(spot.found));
-    if (stored && !stored->secure() && !ZmBaseHashTable::haszero(hash)) {
+    if (stored && !stored->secure() && !ZmBaseHashTable::haszero(label.hash)) {
       if (length > 0) {
         stored->_fit(value.data(), length);
       } else {
@@ -109,8 +108,8 @@ int ZmConfig::_store(std::string_view label, ZmBaseHashTable::Hash hash, std::st
   }
   ZmOwned<ZmString> text(ZmString::_exact(value.data(), length));
   text->secure(secure);
-  ZmOwned<ZmString> key(ZmString::_exact(label.data(), static_cast<int>(label.size())));
-  return _add(spot, hash, std::move(key), std::move(text));
+  ZmOwned<ZmString> key(ZmString::_exact(label.text.data(), static_cast<int>(label.text.size())));
+  return _add(spot, label.hash, std::move(key), std::move(text));
 }
 
 // All memory but that of tables is taken before the option is stored: a section never lists a label
@@ -121,18 +120,16 @@ int ZmConfig::_add(const ZmBaseHashTable::Spot& spot, ZmBaseHashTable::Hash hash
   if (hidden || ZmBaseHashTable::haszero(hash)) _list();
   ZmOwned<ZmString> listed(spot.known() || !labels_ ? nullptr : ZmString::_exact(*key));
   if (!options_._table().fill(spot, value.get(), key.get(), hash))
-    options_._set(value.get(), key.get(), hash);
+    options_.set(value.get(), key.get());
   value.release();
   key.release();
   if (listed) labels_->_push(listed.release());
   return spot.known() ? -1 : length() - 1;
 }
 
-const ZmString* ZmConfig::_find(std::string_view label) const {
-  return options_._get(label, ZmBaseHashTable::hash(label));
-}
+const ZmString* ZmConfig::find(std::string_view label) const { return options_.find(label); }
 
-int ZmConfig::_position(std::string_view label) const {
+int ZmConfig::position(std::string_view label) const {
   if (labels_) return labels_->find(zm_string(label));
   const ZmBaseHashTable& table = options_._table();
   if (table.entries() == 0) return -1;

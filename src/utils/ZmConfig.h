@@ -2,7 +2,7 @@
 #define ZM_CONFIG_H
 
 /// @file
-/// ZmConfig, and functions for sorting.
+/// ZmConfig, labels to be set in many of them, and functions for sorting.
 
 #include <string_view>
 
@@ -11,6 +11,16 @@
 #include "ZmString.h"
 #include "ZmStringHash.h"
 #include "ZmStringList.h"
+
+/// A label to be set in many sections: what is needed to look it up is worked out once.
+struct ZmConfigLabel {
+  /// Borrows the text.
+  explicit ZmConfigLabel(std::string_view label)
+      : text(label), hash(ZmBaseHashTable::hash(label)) {}
+
+  std::string_view text;       ///< The label.
+  ZmBaseHashTable::Hash hash;  ///< Its hash.
+};
 
 /// One named section of settings: labels in the order in which they were first set, each with a
 /// text value, and the section's name and network address.
@@ -49,8 +59,12 @@ class ZM_EXPORT ZmConfig : public ZmPack {
   /// (inherit() and texts set labels, too), the section becomes a copy or is unpacked into, or the
   /// ZmConfigFile that has it reads on: parse() puts the expanded text into the same place.
   const ZmString& option(const ZmString& label) const;
+  /// The value, lent likewise; null when the label is absent.
+  const ZmString* find(std::string_view label) const;
   /// Sets the value. A new label goes to the end of the label order; a known one keeps its place.
   void option(const ZmString& label, const ZmString& value);
+  /// The same for texts that are no ZmString. The position of a new label, -1 for a known one.
+  int option(const ZmConfigLabel& label, std::string_view value, unsigned char secure = 0);
   unsigned char exists(const ZmString& label) const;  ///< Whether the label is set.
   /// Removes the label and its value; 0 when it was not set. A label that had been set anew after
   /// the removal of another may still have an older value, which then shows again, unlisted. Takes
@@ -113,22 +127,10 @@ class ZM_EXPORT ZmConfig : public ZmPack {
     const ZmString* label = labels_->get(i);
     return label ? *label : zm_no_text();
   }
-  const ZmString& value(int i) const;  ///< Its value, lent as by option().
-  /// @}
-
-  /// @name For the library's own classes, whose texts are no ZmString yet
-  /// @{
-
-  /// Sets the value of the label at i.
-  void _replace(int i, std::string_view value);
-  /// The value, lent as by option(); null when the label is absent.
-  const ZmString* _find(std::string_view label) const;
+  const ZmString& value(int i) const;         ///< Its value, lent as by option().
+  void value(int i, std::string_view value);  ///< Sets its value.
   /// The position of a label; -1 when it is absent.
-  int _position(std::string_view label) const;
-  /// option(label, value), with the hash of the label. The position of a new label, -1 for a known
-  /// one.
-  int _store(std::string_view label, ZmBaseHashTable::Hash hash, std::string_view value,
-             unsigned char secure = 0);
+  int position(std::string_view label) const;
   /// @}
 
   void display() const;  ///< Prints a numbered listing.
@@ -160,7 +162,11 @@ class ZM_EXPORT ZmConfig : public ZmPack {
   // one entry, and a lookup finds it. Labels with a zero byte, a label that is set anew before the
   // place of its entry, copies that lose entries, and records make it differ.
   ZmOwned<ZmStringList> labels_;
-  ZmStringHash options_;
+  // The options, with their table at hand.
+  struct Options : ZmStringHash {
+    using ZmStringHash::_table;
+  };
+  Options options_;
   struct Text {
     ZmString text;
     std::string_view rest;  // what the cursor has not passed

@@ -254,7 +254,7 @@ ZmVerdict undefined_section(const Survey& survey, const ZmConfigUse& use, std::s
   if (!text) return kFault;
   *text = "there is no section " + zm_shown(use.piece.section);
   const ZmConfig* scope = survey.section(use.scope);
-  if (scope && scope->_find(use.piece.section))
+  if (scope && scope->find(use.piece.section))
     *text += ": write \"${" + std::string(use.piece.section) + "}\" in quotes for the option";
   return kFault;
 }
@@ -266,7 +266,7 @@ std::string remedy(const Survey& survey, const ZmConfigPiece& piece, bool own) {
   const std::string_view label = piece.label.substr(0, kLongest);
   for (std::size_t i = label.size(); section && i-- > 1;) {
     if (kName.has(label[i]) && label[i] != '-') continue;
-    if (!section->_find(label.substr(0, i))) continue;
+    if (!section->find(label.substr(0, i))) continue;
     const std::string qualifier = !piece.qualified ? ""
                                   : own            ? "self."
                                                    : std::string(piece.section) + ".";

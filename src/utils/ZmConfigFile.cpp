@@ -29,9 +29,11 @@ void ZmConfigFile::tokenize(const ZmString& text, ZmStringList& tokens) const {
   for (ZmConfigToken token; scanner.next(token);) zm_push(tokens, token.text);
 }
 
-// Copies, since the caller's list owns what is pushed.
+// Behind what the list holds, so that the names of several files come into one.
 void ZmConfigFile::keys(ZmStringList& list) const {
-  sections_._table().each([&list](const auto& entry) { list._push(new ZmString(*entry.key)); });
+  ZmStringList names;
+  sections_.copykeys(names);
+  for (int i = 0; i < names.length(); ++i) list._push(new ZmString(*names.get(i)));
 }
 
 void ZmConfigFile::display() const {

@@ -127,7 +127,7 @@ void ZmConfigHistory::use(const ZmConfigUse& use) {
     step.circle = use.circle;
     if (use.piece.value) {
       const ZmConfig& to = *section(use.piece.section);
-      const Written& line = written(source(to, to._position(use.piece.label)).written);
+      const Written& line = written(source(to, to.position(use.piece.label)).written);
       step.place = place(line.label_at, line.label.size());
     }
   }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iostream>
-#include <memory>
 
 #include "ZmConfigExpander.h"
 #include "ZmRange.h"
@@ -13,7 +12,6 @@
 ZmConfigReader::Option::Option(std::string_view l, std::string_view v)
     : label(l),
       value(v),
-      hash(ZmBaseHashTable::hash(l)),
       refers(zm_has_reference(v)),
       local(refers && zm_local_value({}, v) != v) {}
 
@@ -131,7 +129,7 @@ bool ZmConfigReader::option() {
       store(current_.front(), option);
     } else {
       if (waiting_.empty()) waiting_from_ = option.number;
-      waiting_.emplace_back(option.label, option.value);
+      waiting_.emplace_back(option.label.text, option.value);
     }
   }
   return true;
@@ -201,9 +199,9 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
   int label = -1;
   if (option.local) {
     const std::string_view name = target.created == kNone ? known(config) : zm_view(config.name());
-    label = config._store(option.label, option.hash, zm_local_value(name, option.value));
+    label = config.option(option.label, zm_local_value(name, option.value));
   } else {
-    label = config._store(option.label, option.hash, option.value);
+    label = config.option(option.label, option.value);
   }
   if (observer_) [[unlikely]]
     told(target, label, option);
@@ -217,24 +215,20 @@ void ZmConfigReader::store(const Target& target, const Option& option) {
 
 void ZmConfigReader::told(const Target& target, int label, const Option& option) {
   const ZmConfig& config = *target.config;
-  if (label < 0) label = config._position(option.label);
+  if (label < 0) label = config.position(option.label.text);
   observer_->stored(config, label, option.parent, option.number);
 }
 
 // The section of this name, made when there is none.
 ZmConfigReader::Target ZmConfigReader::section(const ZmString& name) {
-  const ZmBaseHashTable::Hash hash = ZmBaseHashTable::hash(zm_view(name));
-  if (ZmConfig* known = sections_._get(zm_view(name), hash)) {
+  if (ZmConfig* known = sections_.get(name)) {
     if (observer_) observer_->section(*known, false);
     return {known, kNone};
   }
-  auto config = std::make_unique<ZmConfig>();
+  ZmOwned<ZmConfig> config(new ZmConfig);
   config->name(name);
   ZmConfig* made = config.get();
-  ZmOwned<ZmString> key(ZmString::_exact(name));
-  sections_._set(made, key.get(), hash);  // takes nothing when it throws
-  static_cast<void>(config.release());
-  key.release();
+  sections_.set(std::move(config), ZmOwned<ZmString>(ZmString::_exact(name)));
   created_.push_back(made);
   if (observer_) observer_->section(*made, true);
   return {made, created_.size() - 1};
@@ -243,12 +237,10 @@ ZmConfigReader::Target ZmConfigReader::section(const ZmString& name) {
 // The name under which the file knows a section, which a program may have renamed since.
 std::string_view ZmConfigReader::known(const ZmConfig& section) const {
   const std::string_view own = zm_view(section.name());
-  if (sections_._get(own, ZmBaseHashTable::hash(own)) == &section) return own;
-  std::string_view name;
-  sections_._table().each([&](const ZmBaseHashTable::Entry& entry) {
-    if (entry.value == &section) name = zm_view(*entry.key);
-  });
-  return name;
+  if (sections_.find(own) == &section) return own;
+  for (int i = 0; i < sections_.length(); ++i)
+    if (sections_.value(i) == &section) return zm_view(sections_.key(i));
+  return {};
 }
 
 // Each section is expanded before those that were made earlier, which parents are: values refer to
@@ -282,6 +274,6 @@ void ZmConfigReader::expand(ZmConfigExpander& expander, ZmConfig& config, int la
   const std::string_view result = expander.expand(section, section, zm_view(value), &value);
   if (observer_) [[unlikely]]
     observer_->expanded(config, value, result);
-  config._replace(label, result);
+  config.value(label, result);
   expander.replaced(value);
 }

@@ -40,9 +40,8 @@ class ZmConfigReader {
   // An option on its way into sections.
   struct Option {
     Option(std::string_view label, std::string_view value);
-    std::string_view label;
+    ZmConfigLabel label;
     std::string_view value;
-    ZmBaseHashTable::Hash hash;        // of the label
     bool refers;                       // whether the value holds references
     bool local;                        // whether they name "self" or "this"
     const ZmConfig* parent = nullptr;  // that lends it

@@ -62,7 +62,7 @@ ZmConfigPiece ZmConfigScope::next(ZmTextCursor& in, std::string_view self) const
     // A section may be named "$": such a result is read again once it is stored.
     piece.scoped |= zm_has_reference(piece.text);
   } else if (!piece.qualified || !behind.empty()) {
-    piece.value = home->_find(piece.label);
+    piece.value = home->find(piece.label);
   }
   return piece;
 }

@@ -38,9 +38,7 @@ struct ZmConfigPiece {
 struct ZmConfigScope {
   // Reads one piece, which takes at least one byte. `self` is what "self" and "this" stand for.
   ZmConfigPiece next(ZmTextCursor& in, std::string_view self) const;
-  const ZmConfig* section(std::string_view wanted) const {
-    return sections._get(wanted, ZmBaseHashTable::hash(wanted));
-  }
+  const ZmConfig* section(std::string_view wanted) const { return sections.find(wanted); }
 
   const ZmConfigHash& sections;
   std::string_view name;             // of the scope section,

@@ -37,7 +37,7 @@ void ZmConfigSurvey::report_dropped(std::size_t at, std::size_t source, std::str
 }
 
 const ZmConfig* ZmConfigSurvey::section(std::string_view name) const {
-  return sections_._get(name, ZmBaseHashTable::hash(name));
+  return sections_.find(name);
 }
 
 std::size_t ZmConfigSurvey::line_end(std::size_t at) const {

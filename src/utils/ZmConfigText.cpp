@@ -190,7 +190,7 @@ ZmString ZmConfig::usetemplate(const ZmString& text) const {
   for (ZmTextCursor in(zm_view(text)); !in.eof();) {
     const std::string_view line = templateline(in);
     const auto label = templatelabel(line);
-    const ZmString* value = label ? _find(*label) : nullptr;
+    const ZmString* value = label ? find(*label) : nullptr;
     if (value) {
       if (used.insert(*label).second) zm_append_option(result, zm_string(*label), *value);
     } else if (line != kNotIncluded) {

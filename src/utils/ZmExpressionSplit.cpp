@@ -72,7 +72,7 @@ void ZmExpression::split(const ZmString& source, ZmStringHash& elements) {
   for (int i = 0; i < list.length(); ++i) {
     const ZmString& element = *list.get(i);
     ZmOwned<ZmString> value(new ZmString(element));
-    elements._own(std::move(value), ZmOwned<ZmString>(new ZmString(element)));
+    elements.set(std::move(value), ZmOwned<ZmString>(new ZmString(element)));
   }
 }
 

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int kBlock = 4096;  // bytes by which a text grows at least
-
 // Closes what it holds. A failure to close a file that was only read means nothing.
 class Descriptor {
  public:
@@ -53,23 +51,14 @@ bool zm_read_file(const ZmString& path, ZmString& text) {
   if (status.st_size >= INT_MAX) throw std::bad_alloc();
   // Apart, so that the caller's text stays as it is until nothing can fail any more.
   ZmString whole;
-  whole.secure_ = text.secure_;
+  whole.secure(text.secure());
   // The room that growth would come to, at once. A file that reports no size, as those of /proc do,
   // is read all the same.
   const long long room = (static_cast<long long>(status.st_size) + 1) * 4;
   whole._resize(static_cast<int>(std::min<long long>(room, INT_MAX)));
-  ssize_t n = 0;
-  do {
-    if (whole._size() - whole.length_ < 2) {
-      const char none[kBlock] = {};
-      whole.append(none, kBlock);
-      whole.length_ -= kBlock;
-    }
-    const auto left = static_cast<std::size_t>(whole._size() - whole.length_ - 1);
-    n = retried(file.get(), whole._text() + whole.length_, left);
-    if (n > 0) whole.length_ += static_cast<int>(n);
-  } while (n > 0 && whole.length_ != status.st_size);
-  whole._text()[whole.length_] = 0;
+  const auto read = [&file](char* to, std::size_t size) { return retried(file.get(), to, size); };
+  while (whole._fill(read) > 0 && whole.length() != status.st_size) {
+  }
   text._swap(whole);
   return true;
 }

@@ -38,7 +38,7 @@ class ZM_EXPORT ZmHash : public ZmBaseHash<T>, public ZmPack {
       ZmOwned<ZmString> key(new ZmString);
       ZmOwned<T> value(new T);
       if (!_element(kKey, *key) || !_next() || !_element(kValue, *value)) break;
-      this->_own(std::move(value), std::move(key));
+      this->set(std::move(value), std::move(key));
     }
   }
   /// Stores the entries that get() finds, in the order of their keys, whatever their slots; a null
@@ -54,7 +54,7 @@ class ZM_EXPORT ZmHash : public ZmBaseHash<T>, public ZmPack {
     for (int at = 0; ZmPackObj* item = _item(at);) {
       ZmOwned<ZmString> key = _takeKey(*item);
       ZmOwned<T> value = _takeItem(*item, static_cast<T*>(nullptr));
-      if (key && value) this->_own(std::move(value), std::move(key));
+      if (key && value) this->set(std::move(value), std::move(key));
     }
   }
 

@@ -216,6 +216,17 @@ void ZmString::_append(const char* s, int n) {
   _text()[length_] = 0;
 }
 
+void ZmString::_reserve(int n) {
+  const long long need = static_cast<long long>(length_) + n + 1;
+  if (_size() >= need) return;
+  ZmString larger;
+  larger.secure_ = secure_;
+  larger._start(grown(need));
+  std::memcpy(larger._text(), value(), static_cast<std::size_t>(length_) + 1);
+  larger.length_ = length_;
+  _swap(larger);
+}
+
 ZmString& ZmString::operator+=(const char* s) {
   append(s);
   return *this;

@@ -109,6 +109,16 @@ class ZM_EXPORT ZmString : public ZmBase {
     secure_ = other.secure_;
     _fit(other.value(), other.length_);
   }
+  /// Lets read(to, room) write up to `room` bytes, at least one, behind the text, which grows by
+  /// the number that it gives when that is above 0. Gives that number.
+  template <class Read>
+  auto _fill(Read read) {
+    _reserve(1);
+    const auto n = read(_text() + length_, static_cast<std::size_t>(_size() - 1 - length_));
+    if (n > 0) length_ += static_cast<int>(n);
+    _text()[length_] = 0;
+    return n;
+  }
   /// The two change places, flags and buffers included. Takes no memory.
   void _swap(ZmString& other) noexcept;
   /// A new string of n bytes, without room to grow; undefined when n <= 0. The caller owns it.
@@ -243,8 +253,6 @@ class ZM_EXPORT ZmString : public ZmBase {
   void _debug_info() const;
 
  private:
-  friend bool zm_read_file(const ZmString& path, ZmString& text);
-
   static constexpr int kFloor = 16;  // bytes of the smallest buffer
   enum Place : unsigned char { kNowhere, kInside, kHeap };
   struct Heap {
@@ -261,6 +269,7 @@ class ZM_EXPORT ZmString : public ZmBase {
   }
   void _release() noexcept;
   void _append(const char* s, int n);  // n > 0
+  void _reserve(int n);                // room for n more bytes, by growth
   unsigned int _hex(int digits) const;
 
   union Buffer {

@@ -53,6 +53,7 @@ void ZmAddress::copy(const ZmString& text) {
   ZmTextCursor in(zm_view(text));
   std::uint32_t value = 0;
   for (int i = 0; i < 4; ++i) {
+    // Numbers wrap at 2^32, a multiple of 256: the low byte is right however long one is.
     value = value << 8 | (zm_digits(in).value & 0xff);
     // Every character that ends a number ends an octet; behind the fourth there is no place.
     if (i == 3 && !in.eof()) return;
@@ -97,6 +98,7 @@ unsigned char ZmAddress::isaddress(const ZmString& text) {
 ZmAddress ZmAddress::hostname(const ZmString& name) {
   addrinfo hints{};
   hints.ai_family = AF_INET;
+  // Of any type of socket, the resolver would list each address once for every type.
   hints.ai_socktype = SOCK_STREAM;
   addrinfo* answers = nullptr;
   ZmAddress address;

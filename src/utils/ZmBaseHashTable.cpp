@@ -98,6 +98,7 @@ ZmBaseHashTable::Hash ZmBaseHashTable::hash(std::string_view key) {
   std::uint32_t weight = 1;
   bool zero = false;
   std::size_t i = 0;
+  // Four bytes a turn: byte by byte, each power of 7 would have to wait for the one before.
   for (; i + 4 <= key.size(); i += 4, weight *= 7 * 7 * 7 * 7) {
     sum += weight * (byte(i) + 7 * (byte(i + 1) + 7 * (byte(i + 2) + 7 * byte(i + 3))));
     zero |= byte(i) == 0 || byte(i + 1) == 0 || byte(i + 2) == 0 || byte(i + 3) == 0;
@@ -110,6 +111,8 @@ ZmBaseHashTable::Hash ZmBaseHashTable::hash(std::string_view key) {
 }
 
 // For keys without a zero byte.
+// By the golden ratio (Knuth, The Art of Computer Programming, section 6.4): the top bits of the
+// product depend on every byte.
 unsigned char ZmBaseHashTable::mark(std::string_view key) {
   const std::uint64_t mixed = end_of(key) * 0x9e3779b97f4a7c15;
   return static_cast<unsigned char>(ZmBaseHashSlots::kMarks +
@@ -186,6 +189,7 @@ void* ZmBaseHashTable::remove(const ZmString& key) {
 }
 
 // The value is the caller's.
+// Gaps at the end close at once, so that a key that is set and removed in turns leaves none.
 void ZmBaseHashTable::drop(std::uint32_t number) {
   delete std::exchange(entries_[number].key, nullptr);
   --live_;
@@ -249,7 +253,9 @@ bool ZmBaseHashTable::set(void* value, ZmString* key, Hash key_hash, Destroy des
   const std::string_view text = zm_view(*key);
   const Entry entry{key, value, key_hash};
   if (overflow_) {
+    // First: in a slot that has become free meanwhile, the key would be there twice.
     if (const auto beyond = overflow_->find(text); beyond != overflow_->end()) {
+      // Its key lends the text of the old entry, which goes below: it takes the new one first.
       auto node = overflow_->extract(beyond);
       node.key() = text;
       replace(node.mapped(), entry, destroy);
@@ -302,6 +308,8 @@ bool ZmBaseHashTable::refill(Growth& to) const {
   return true;
 }
 
+// The random part keeps tables of the same keys from sharing every collision. The slots at hand
+// stay until a size has a place for every entry.
 bool ZmBaseHashTable::resize(Destroy destroy) {
   if (live_ < patience_) return false;
   int count = 0;  // of all attempts: those that fail leave their part behind
@@ -367,6 +375,7 @@ void ZmBaseHashTable::fill(const ZmBaseHashTable& other, void* (*copy_value)(con
   ZmBaseHashSlots slots(other.slots_.size(), other.slots_.numbers());
   slots_.swap(slots);
   if (room_ < other.used_) reserve(other.used_);
+  // Counted one by one, so that clear() finds just what has been made when memory ends in between.
   for (; used_ < other.used_; ++used_, ++live_) {
     const auto& [key, value, hash] = other.entries_[used_];
     ZmOwned<ZmString> copied(ZmString::_exact(*key));

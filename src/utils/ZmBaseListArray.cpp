@@ -25,6 +25,8 @@ bool ZmBaseListArray::grow() {
   return true;
 }
 
+// What becomes of a push without memory is part of its contract. Whoever must not lose anything
+// asks for room() first.
 void ZmBaseListArray::lose() {
   delete[] std::exchange(items_, nullptr);
   capacity_ = 0;

@@ -173,6 +173,7 @@ void ZmConfig::display() const {
   for (int i = 0; i < length(); ++i) std::cout << i << ": " << label(i) << '=' << value(i) << '\n';
 }
 
+// The order of the fields is part of the format, though readers take them in any.
 void ZmConfig::encode() {
   LabelOrder labels(*this);
   store(kAddress, address_);
@@ -182,6 +183,7 @@ void ZmConfig::encode() {
 }
 
 void ZmConfig::decode() {
+  // A record holds labels and options apart, and nothing makes them agree.
   ZmStringList& list = _list();
   // Lists and hashes add what a record holds: only an empty one is replaced by it.
   if (_offers(kLabels, list)) list.clear();

@@ -61,6 +61,8 @@ bool ZmConfig::_ordered() const {
   return found == listed;
 }
 
+// In most sections the options tell the label order as well. Labels stand beside them only where
+// they don't.
 void ZmConfig::encodeXML() {
   storeXML(kName, name_);
   storeXML(kAddress, address_);
@@ -76,8 +78,11 @@ void ZmConfig::decodeXML() {
   restoreXML(kName, name_);
   restoreXML(kAddress, address_);
   Items options(*this);
+  // An element without items has nothing that would replace what is here, but says that there are
+  // none.
   if (_insideXML(kOptions) == 0) options.clear();
   restoreXML(kOptions, options);
+  // After the options, which reset the label order as they are replaced.
   ZmStringList labels;
   restoreXML(kLabels, labels);
   if (labels.length() > 0 || _insideXML(kLabels) == 0) labels_.reset(new ZmStringList(labels));

@@ -67,6 +67,7 @@ ZmString prefix(const std::tm& local) {
 
 void ZmDebug::filename(const ZmString& name) { filename_ = name; }
 
+// How a program that runs on gets to the file of the next week: the next write opens one anew.
 void ZmDebug::unlock() {
   process().file.reset();
   process().open = false;
@@ -104,6 +105,7 @@ ZmDebug& ZmDebug::_write(std::string_view text) {
 }
 
 ZmDebug& ZmDebug::operator<<(const char* value) { return value ? _write(value) : *this; }
+// Up to a zero byte, as the operator for standard streams has it.
 ZmDebug& ZmDebug::operator<<(const ZmString& value) { return _write(value.value()); }
 ZmDebug& ZmDebug::operator<<(int value) { return _write(ZmNumberText(value).view()); }
 ZmDebug& ZmDebug::operator<<(unsigned int value) { return *this << static_cast<long long>(value); }

@@ -159,6 +159,8 @@ bool ZmExpression::_known() const {
   return !validreq_ || validreq_(name_);
 }
 
+// From the right to the left, the order in which values are asked for. A missing operand is no
+// fault: the infix parser leaves it out without complaint.
 unsigned char ZmExpression::isvalid() const {
   ZmExpressionStack<const ZmExpression*> pending;
   for (pending.push(this); !pending.empty();) {
@@ -190,6 +192,7 @@ void ZmExpression::variables(ZmStringList& out) const {
 void ZmExpression::display(int indent) const {
   struct Line {
     const ZmExpression* node;
+    // No int: with two more a level, a deep tree may go beyond what one holds.
     long long indent;
   };
   ZmExpressionStack<Line> pending;

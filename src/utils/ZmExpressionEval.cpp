@@ -40,6 +40,7 @@ class ZmExpression::Evaluation {
 
 void ZmExpression::eval(ZmScalar& result) { Evaluation(*this).run(result); }
 
+// A tree that comes to nothing, for want of an operand, leaves the result as it was.
 void ZmExpression::Evaluation::run(ZmScalar& result) {
   const Value value = _tree();
   switch (value.kind) {
@@ -123,12 +124,14 @@ ZmExpressionValue ZmExpression::Evaluation::_read(const ZmString& text) {
   return scalar.kind_ == ZmScalar::kFloat ? Value(scalar.float_) : Value(&text);
 }
 
+// Strings have no unary operators: what is left of one is its kind.
 ZmExpressionValue ZmExpression::Evaluation::_unary(ZmOperation operation, Value b) {
   if (b.kind == Value::kText) return Value(nullptr);
   if (b.kind == Value::kFloat) return Value(zm_unary(operation, b.real));
   return Value(zm_unary(operation, b.integer));
 }
 
+// An operand that came to nothing counts as the integer 0, which a fresh scalar is.
 ZmExpressionValue ZmExpression::Evaluation::_binary(const ZmExpression& node, Value a, Value b) {
   const Value::Kind kind = a.kind > b.kind ? a.kind : b.kind;
   if (kind == Value::kText) return _mixed(node.op_, a, b);

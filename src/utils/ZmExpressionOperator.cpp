@@ -39,12 +39,14 @@ constexpr ZmExpressionOperator kOperators[] = {
     {"max", kMaximum, 1, true},     {"min", kMinimum, 1, true},
     {":", kNone, 1, true},
 };
+// Binds as weakly as the weakest: a precedence can be asked for any text.
 constexpr ZmExpressionOperator kUnknown = {"", kNone, 1, false};
 
 constexpr std::size_t kLongest = 3;
 constexpr std::size_t kSlots = 256;
 
 // Where the search for a name of 1 to kLongest bytes begins.
+// Multiplicative hashing by the golden ratio (Knuth, The Art of Computer Programming, section 6.4).
 constexpr std::size_t slot(std::string_view name) {
   std::uint32_t hash = 0;
   for (const char c : name) hash = (hash << 8) + static_cast<unsigned char>(c);

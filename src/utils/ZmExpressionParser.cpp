@@ -110,6 +110,8 @@ void ZmExpression::Builder::postfix(std::string_view token) {
   operands_.push_back(std::move(node));
 }
 
+// The root's own children are overwritten and not destroyed: they belong to whoever took them by
+// a() and b(). Of several trees the first is put there all the same.
 bool ZmExpression::Builder::finish() {
   if (operands_.empty()) return false;
   ZmExpression& first = *operands_.front();
@@ -122,6 +124,7 @@ bool ZmExpression::Builder::finish() {
   return operands_.size() == 1 && !missing_;
 }
 
+// A binary operator where an operand must stand is one: "min" or "in" may be a name there.
 bool ZmExpression::Infix::take(std::string_view token) {
   const ZmExpressionOperator* op = zm_operator(token);
   if (op->operation == ZmOperation::kOpen) {
@@ -182,6 +185,7 @@ bool ZmExpression::_parse(ZmTokens& tokens, int notation) {
   return tree.finish();
 }
 
+// The caller's list shows which minus signs were taken for unary ones.
 unsigned char ZmExpression::_parse(ZmStringList& tokens, int notation) {
   Builder tree(*this);
   Infix infix(tree);
@@ -199,6 +203,7 @@ unsigned char ZmExpression::_parse(ZmStringList& tokens, int notation) {
 }
 
 unsigned char ZmExpression::parse(const ZmString& text, int notation) {
+  // Read from its end, so all tokens have to be there before the first is taken.
   if (notation == kPrefix) {
     ZmStringList tokens;
     tokenize(text, tokens);

@@ -26,7 +26,7 @@ bool put(const ZmString& path, const char* mode, const ZmString& text) {
 }
 
 // Whether the file, which is created when missing, opens for writing. Opening a pipe must not wait
-// for its reader.
+// for its reader, nor a terminal become the one that controls this process.
 bool opens(const ZmString& path, int how) {
   const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | how;
   const int fd = ::open(path.value(), flags, 0666);
@@ -45,6 +45,7 @@ struct stat status(const ZmString& path) {
 
 int ZmFile::_file_unique = 0;
 
+// The order of the fields is part of the format, as the tags are, which don't follow it.
 void ZmFile::encode() {
   store(kName, name_);
   store(kSource, source_);

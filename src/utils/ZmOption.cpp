@@ -17,6 +17,7 @@ void ZmOption::copy(const ZmOption& other) {
   exists_ = other.exists_;
 }
 
+// 0 for "" as well, though every name begins with it: a lone "--" names no option.
 int ZmOption::match(const ZmString& s) const {
   return zm_view(name_).starts_with(zm_view(s)) ? s.length() : 0;
 }

@@ -22,11 +22,14 @@ enum Code { kInt = 1, kChar, kText, kNested, kFloat, kByte, kLong };
 
 }  // namespace
 
+// What was packed is no part of the value: assigning takes none over and drops what is held here,
+// which tells of the value before.
 ZmPack& ZmPack::operator=(const ZmPack& other) {
   if (this != &other) _clear();
   return *this;
 }
 
+// Made when first needed: most objects are never packed, and then pay for one pointer.
 ZmPack::State& ZmPack::_state() {
   if (!state_) state_.reset(new State);
   return *state_;
@@ -70,6 +73,7 @@ unsigned char* ZmPack::_room(long long n) {
 }
 
 // Records have signed 32-bit lengths, so a longer one could not be read.
+// Four times the need keeps writing field by field linear in the whole.
 void ZmPack::_grow(long long need) {
   if (need > INT_MAX) throw std::bad_alloc();
   State& to = *state_;
@@ -113,6 +117,7 @@ void ZmPack::store(int tag, const ZmString& value) {
   std::memcpy(at + 4, value.value(), static_cast<std::size_t>(n));
 }
 
+// Null is stored as "", so that the field is there in any case.
 void ZmPack::store(int tag, const char* value) {
   const std::size_t n = value ? std::strlen(value) : 0;
   if (n > INT_MAX) throw std::bad_alloc();
@@ -154,6 +159,7 @@ void ZmPack::pack() {
 }
 
 int ZmPack::archive(const ZmString& path) {
+  // First: where nothing can be written, nothing has to be packed.
   ZmOpenFile file(std::fopen(path.value(), "wb"));
   if (!file) return 0;
   std::setvbuf(file.get(), nullptr, _IONBF, 0);  // what is written has then left the stream
@@ -257,6 +263,8 @@ void ZmPack::restore(int tag, ZmPack& value) {
   const unsigned char* fields = _bytes(length);
   state_->at.consumed = fields != nullptr;
   if (!fields) return;
+  // What follows is found by the length alone: the nested object may stop at a field that can't be
+  // skipped.
   const Place behind = std::exchange(state_->at, {fields, length});
   {
     const Loan loan(*this, value);

@@ -52,6 +52,7 @@ void ZmPackObj::_forget() const {
   delete std::exchange(inside_->index, nullptr);
 }
 
+// With a list of what is still to be copied, since the depth of a tree is up to whoever made it.
 void ZmPackObj::copy(const ZmPackObj& other) {
   if (this == &other) return;
   ZmPackObj made;  // first: the other may stand inside this one
@@ -88,6 +89,7 @@ ZmPackObj* ZmPackObj::find(const ZmString& name) const {
   return nullptr;
 }
 
+// Members are asked for one by one: searching all elements for each would be quadratic.
 ZmPackObj* ZmPackObj::_indexed(const ZmString& name) const {
   auto*& index = inside_->index;
   if (!index) {
@@ -104,6 +106,7 @@ void ZmPackObj::text(ZmOwned<ZmString> text) { text_ = std::move(text); }
 ZmOwned<ZmString> ZmPackObj::takekey() { return std::move(key_); }
 ZmOwned<ZmString> ZmPackObj::taketext() { return std::move(text_); }
 
+// The room is made first: a push that finds none would lose the elements held so far.
 void ZmPackObj::push(ZmPackObj* element) {
   if (!element) return;
   _forget();  // the index lacks the new element

@@ -26,6 +26,8 @@ constexpr std::string_view kItem = "item";
 
 // What does not stand for itself: inside an element, and inside an attribute, where readers make
 // spaces of tabs and line ends.
+// A ">" is among them because "]]>" may not stand in a text (XML 1.0, section 2.4), a CR because
+// readers make a line end of it (section 2.11).
 constexpr ZmCharSet kMarkup("&<>\r\x7f"), kQuoted("&<>\r\x7f\"\t\n");
 
 std::string_view entity(char c) {
@@ -232,6 +234,7 @@ void ZmPack::restoreXML(const ZmString& name, float& value) {
 }
 void ZmPack::restoreXML(const ZmString& name, unsigned char& value) { _takeXML(name, value); }
 
+// Not trimmed, as numbers are: the byte may be a blank.
 void ZmPack::restoreXML(const ZmString& name, char& value) {
   const ZmString* text = _text(name);
   if (text && text->length() == 1) value = text->get(0);
@@ -255,6 +258,7 @@ int ZmPack::_insideXML(const ZmString& name) const {
   return element->length() > 0 || empty ? element->length() : -1;
 }
 
+// Elements of other names are passed over, as unknown fields of a record are.
 ZmPackObj* ZmPack::_item(int& at) const {
   const ZmPackObj* element = _xml();
   while (element && at < element->length()) {

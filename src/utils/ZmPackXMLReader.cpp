@@ -28,6 +28,7 @@ void guarded(void* user, Handle handle) noexcept {
 }
 
 // Called where "<!DOCTYPE name" ends, before any declaration inside it is read.
+// Entities declared there could blow a short text up to gigabytes, and records need none.
 void refuse(void* user, const XML_Char*, const XML_Char*, const XML_Char*, int) noexcept {
   guarded(user, [](ZmPackXMLReader& reader) { reader.stop(ZmPackXMLReader::kRefused); });
 }
@@ -164,6 +165,7 @@ int ZmPack::unpackXML(const char* text, int length) {
   ZmPackObj& root = reader.root();
   if (zm_view(root.name()) != zm_view(typeXML())) return kOther;
   if (root.length() == 0) return kEmpty;
+  // Not before: the text may stand in this object's own buffer.
   _clear();
   const Unfinished reading{*this};
   _decodeXML(root);

@@ -29,6 +29,8 @@ constexpr std::array<int, 256> kDigits = [] {
 }();
 
 // Bytes that follow the lead byte; -1 when no character starts with it.
+// 0xc0 and 0xc1 could only start longer forms than needed, those above 0xf4 only codes beyond
+// U+10FFFF (RFC 3629, section 4).
 int following(int lead) {
   if (lead < 0xc2 || lead > 0xf4) return -1;
   return lead < 0xe0 ? 1 : lead < 0xf0 ? 2 : 3;
@@ -36,6 +38,8 @@ int following(int lead) {
 
 // Takes a character of two to four bytes; false when there is none or XML does not allow it.
 bool character(ZmTextCursor& in) {
+  // A code below these has a shorter form, and the longer one is no UTF-8: readers refuse the whole
+  // text.
   constexpr int kLeast[] = {0, 0x80, 0x800, 0x10000};
   const int more = following(in.peek());
   if (more < 0) return false;
@@ -101,6 +105,7 @@ bool zm_from_base64(std::string_view text, ZmString& bytes) {
     if (!in.accept('=')) return false;
   if (rest == 1 || !in.eof()) return false;
   // What the padding stands for: the bits below the last whole byte must be unset.
+  // RFC 4648 (section 3.5) leaves it to readers to insist on that.
   if (rest == 2 && (bits & 0xf)) return false;
   if (rest == 3 && (bits & 0x3)) return false;
   if (rest >= 2) bytes.append(static_cast<char>(bits >> (rest == 2 ? 4 : 10)));

@@ -58,6 +58,7 @@ ZmParam::ZmParam() {
 
 ZmParam::~ZmParam() { delete[] arguments_; }
 
+// Defining tells by its result, as the push of a list does, and not by an exception.
 unsigned char ZmParam::_define(int tag, const ZmString& name) {
   try {
     options_._push(new ZmOption(tag, name));
@@ -89,6 +90,7 @@ unsigned char ZmParam::parse(ZmStringList& args) {
   while (index < length && isoption(*args.get(index)))
     if (!_option(args, index)) return 0;
   for (; index < length; ++index, ++count_) arguments_[count_] = *args.get(index);
+  // Last: a wrong option is reported even when it stands behind "help".
   for (const auto& [name, show] : {std::pair("help", help_), std::pair("version", version_)}) {
     if (!_given(name)) continue;
     if (show) show();

@@ -27,6 +27,7 @@ struct Number {
   int digits;  // how many, leading zeros included
 };
 
+// The sign is applied to the unsigned value, where a number of any length wraps and none overflows.
 std::optional<Number> number(ZmTextCursor& in) {
   in.skip(kRangeBlank);
   const bool negative = in.accept('-');
@@ -58,6 +59,7 @@ struct Item {
 };
 
 // Writes count() values and returns the place behind them.
+// Goes from one met value to the next, so that the cost is that of what is written.
 int* Item::write(int* out) const {
   if (count() == 0) return out;  // a long span with X1: not worth walking
   for (std::int64_t d = 0; d <= distance(); d += step) {
@@ -191,6 +193,7 @@ void ZmRange::add(const ZmString& text) {
 
 void ZmRange::add(int value) { *_extend(1) = value; }
 
+// The padding stays: parse() clears, too, and a text without a number leaves it as it was.
 void ZmRange::clear() {
   delete[] std::exchange(values_, nullptr);
   count_ = 0;
@@ -291,6 +294,7 @@ void ZmRange::chunk(int size, ZmStringList& out) {
   }
 }
 
+// Counted before chunk() drops the values that are there twice.
 void ZmRange::partition(int parts, ZmStringList& out) {
   if (parts >= 1) chunk(count_ / parts + (count_ % parts != 0), out);
 }
@@ -305,6 +309,7 @@ unsigned char ZmRange::isrange(const ZmString& text) {
   return in.eof();
 }
 
+// Sorted first: 1 and 3 rearrange sorted values, 4 and 5 those of the text.
 void ZmRange::_arrange(int order) {
   if (order >= 1 && order <= 3) sort();
   if (order == 3 || order == 5) reverse();
@@ -312,6 +317,7 @@ void ZmRange::_arrange(int order) {
 }
 
 void ZmRange::patternsplit(int order, const ZmString& pattern, ZmStringList& out) {
+  // A bare range stands for plain numbers: "001-003" gives 1, 2 and 3.
   if (isrange(pattern)) {
     ZmRange range(pattern);
     range._arrange(order);
@@ -341,6 +347,7 @@ void ZmRange::_expand(int order, const ZmString& item, ZmStringList& out) {
   for (int i = 0; i < range.count_; ++i) out._push(name.around(range.get(i), range.padding_));
 }
 
+// What the text does not reach keeps the value that the caller has given it.
 void ZmRange::patternsplit(const ZmString& text, int& start, int& end, int& step) {
   ZmTextCursor in(zm_view(text));
   const auto first = number(in);

@@ -63,12 +63,14 @@ float ZmScalar::floatvalue() const {
   return kind_ == kFloat ? float_ : string_.floatvalue();
 }
 
+// The kind stays: a number that has been shown goes on as a number.
 ZmString& ZmScalar::stringvalue() {
   if (kind_ == kInteger) string_.copy(integer_);
   if (kind_ == kFloat) string_.copy(float_);
   return string_;
 }
 
+// Strings have no unary operators: the result becomes one, with whatever text it held.
 void ZmScalar::eval(const ZmString& op, ZmScalar& a, ZmScalar& result) {
   const ZmOperation operation = zm_operator(zm_view(op))->operation;
   if (a.kind_ == kInteger) {
@@ -80,6 +82,8 @@ void ZmScalar::eval(const ZmString& op, ZmScalar& a, ZmScalar& result) {
   }
 }
 
+// Both operands count as the wider of their kinds, and the result has that kind, too, but for
+// strings, which give integers.
 void ZmScalar::eval(const ZmString& op, ZmScalar& a, ZmScalar& b, ZmScalar& result) {
   const ZmOperation operation = zm_operator(zm_view(op))->operation;
   const Kind kind = a.kind_ > b.kind_ ? a.kind_ : b.kind_;

@@ -57,6 +57,7 @@ bool samefolded(std::string_view a, std::string_view b) {
   return true;
 }
 
+// 0 for any other byte, which takes the place of a digit all the same: "1G" reads as 0x10.
 int hexdigit(char c) {
   if (c >= '0' && c <= '9') return c - '0';
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
@@ -79,6 +80,8 @@ ZmString::ZmString(float value) { *this += value; }
 
 int ZmString::type() const { return 72; }
 
+// Labels, keys and values are many and seldom grow once they are made: four times the need would be
+// mostly idle.
 ZmString* ZmString::_exact(const char* s, int n) {
   if (n == INT_MAX) throw std::bad_alloc();
   auto made = std::make_unique<ZmString>();
@@ -117,6 +120,7 @@ void ZmString::_release() noexcept {
   if (place_ == kHeap) delete[] buffer_.heap.text;
 }
 
+// No memset(): a compiler may drop one whose bytes nobody reads again, as before a buffer is freed.
 void ZmString::wipe() const {
   if (!isundef()) explicit_bzero(_text(), static_cast<std::size_t>(_size()));
 }
@@ -155,6 +159,8 @@ void ZmString::_fit(const char* s, int n) {
   copy(s, n);
 }
 
+// Even "" gets a buffer here: of all copies this one alone makes an undefined string a defined,
+// empty one.
 void ZmString::copy(const char* s) {
   if (!s || (s == value() && !isundef())) return;
   const std::size_t n = std::strlen(s);
@@ -166,6 +172,7 @@ void ZmString::copy(const char* s) {
   length_ = static_cast<int>(n);
 }
 
+// The flag first: it is the other's that decides whether a buffer given up for the copy is wiped.
 void ZmString::copy(const ZmString& other) {
   secure_ = other.secure_;
   if (other.length_ > 0) {
@@ -289,6 +296,8 @@ unsigned char ZmString::isinteger() const {
   return in.eof();
 }
 
+// A sign or a point alone passes here too, and reads as 0. An exponent does not: "1e5" is a string
+// to expressions.
 unsigned char ZmString::isfloat() const {
   constexpr ZmCharSet kFirst("0123456789-+.");
   ZmTextCursor in(bytes(*this));
@@ -308,6 +317,7 @@ ZmString ZmString::substr(int start, int end) const {
 ZmString ZmString::tolower() const { return mapped(bytes(*this), lower); }
 ZmString ZmString::toupper() const { return mapped(bytes(*this), upper); }
 
+// Bytes above 127 are none of the characters kept, whether char is signed or not.
 ZmString ZmString::removecontrolchars() const {
   ZmString result;
   for (const char c : bytes(*this))
@@ -326,6 +336,7 @@ ZmString ZmString::LFtoCRLF() {
   return result;
 }
 
+// Reads this text only, never the result, so that "a" can be replaced by "aa".
 ZmString ZmString::replacevalue(const ZmString& from, const ZmString& to,
                                 unsigned char exact) const {
   if (from.length_ < 1) return *this;
@@ -362,6 +373,8 @@ long long ZmString::longlongvalue() const {
   return length_ < 1 ? 0 : std::strtoll(value(), nullptr, 10);
 }
 
+// Rounded twice, to a double and then to a float, as a caller of atof() does: strtof() rounds once,
+// and the last bit may differ.
 float ZmString::floatvalue() const {
   return length_ < 1 ? 0.0F : static_cast<float>(::strtod_l(value(), nullptr, zm_plain_locale()));
 }
@@ -424,6 +437,7 @@ ZmString joined(const Left& left, const Right& right) {
 
 }  // namespace
 
+// A char joins as its number, unlike with append() and +=: a string "a" + 'b' is "a98".
 ZmString operator+(const ZmString& a, const ZmString& b) { return joined(a, b); }
 ZmString operator+(const ZmString& a, const char* b) { return joined(a, b); }
 ZmString operator+(const char* a, const ZmString& b) { return joined(a, b); }

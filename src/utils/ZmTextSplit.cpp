@@ -77,6 +77,8 @@ std::string_view ZmTokens::_callback() {
   return kParen.has(in_.peek()) ? in_.take() : in_.until(kWordStop);
 }
 
+// A comma inside a word does not end it: "a,b" is one token. A parenthesis is one of its own, lest
+// the scan stand still before it.
 std::string_view ZmTokens::_value() {
   if (in_.is(',')) return in_.take();
   return in_.is('{') ? braced(in_) : _callback();
@@ -106,6 +108,7 @@ void zm_tokenize(std::string_view text, ZmSyntax syntax, ZmStringList& tokens) {
   for (std::string_view token; in.next(token);) zm_push(tokens, token);
 }
 
+// An empty element counts where a comma ends it: ",x" has two elements, "a," has one.
 void zm_split(std::string_view text, ZmStringList& tokens) {
   for (ZmTextCursor in(text); !in.eof();) {
     const std::string_view element = splitelement(in);

@@ -18,18 +18,23 @@ bool again(int fd) {
 
 }  // namespace
 
+// What was collected goes out first, so that the bytes keep their order.
 void ZmWriter::make_room(std::string_view text) {
   flush();
   if (text.size() > buffer_.size()) return send(text);  // copying it would gain nothing
   write(text);
 }
 
+// The buffer is empty afterwards, even when nothing could be written: otherwise make_room() and
+// write() would call each other for ever.
 bool ZmWriter::flush() {
   send({buffer_.data(), used_});
   used_ = 0;
   return good_;
 }
 
+// A write may take a part only. After a failure nothing more is sent: what arrives is a beginning
+// of the output, never one with a gap.
 void ZmWriter::send(std::string_view text) {
   while (good_ && !text.empty()) {
     const ssize_t n = ::write(fd_, text.data(), text.size());

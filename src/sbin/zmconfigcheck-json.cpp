@@ -12,6 +12,7 @@
 
 namespace {
 
+// Members stand in the order in which they are set, so that a finding begins with its rule.
 using Json = nlohmann::ordered_json;
 
 bool is_error(ZmConfigCheck::Severity severity) {
@@ -22,7 +23,8 @@ std::string_view name(ZmConfigCheck::Severity severity) {
   return is_error(severity) ? "error" : "warning";
 }
 
-// Where a place ends on its line.
+// Where a place ends on its line. Values in braces run over several lines, and the line end may be
+// the place itself, although it is no part of the line.
 long end_column(const ZmConfigCheck& check, const ZmConfigCheck::Place& place) {
   const long line_end = static_cast<long>(check.line(place).size()) + 1;
   return std::max(place.column, std::min(line_end, place.column + static_cast<long>(place.length)));
@@ -46,6 +48,8 @@ Json finding_json(const ZmConfigCheck& check, const ZmConfigCheck::Finding& find
   return json;
 }
 
+// Every option has every member, null where there is nothing to tell:
+// docs/zmconfigcheck.schema.json requires them.
 Json option_json(const ZmConfigCheck& check, const ZmConfig& section, int label) {
   const ZmConfigCheck::Origin origin = check.origin(section, label);
   Json json{{"name", zm_view(section.label(label))},
@@ -67,7 +71,8 @@ Json section_json(const ZmConfigCheck& check, const ZmString& key) {
   return json;
 }
 
-// A file name as a part of a URI.
+// A file name as a part of a URI. Byte by byte, since file names have no encoding, but for the
+// unreserved characters of RFC 3986 and slashes. A colon goes, too, as it would end a scheme.
 std::string uri(std::string_view file) {
   constexpr std::string_view kHex = "0123456789ABCDEF";
   std::string text;
@@ -92,6 +97,7 @@ Json location(const ZmConfigCheck& check, const std::string& file,
             {"endColumn", end_column(check, place)}}}};
 }
 
+// The index of a rule counts in what sarif_rules() writes, which has the order of rules().
 Json sarif_result(const ZmConfigCheck& check, const std::string& file,
                   const ZmConfigCheck::Finding& finding) {
   const auto& rules = ZmConfigCheck::rules();
@@ -117,6 +123,7 @@ Json sarif_rules() {
   return rules;
 }
 
+// File names may hold any byte; without leave to replace it the library throws at what isn't UTF-8.
 std::string written(const Json& json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
@@ -141,6 +148,8 @@ void JsonReport::element(const std::string& text) {
   output().write(text);
 }
 
+// The arrays of a file stand inside an element of the array of files: `first_` is theirs for a
+// while, and then tells again that this one has an element.
 void JsonReport::add(const std::string& file, const ZmConfigCheck& check,
                      const Findings& findings) {
   if (sarif_) {
@@ -152,6 +161,7 @@ void JsonReport::add(const std::string& file, const ZmConfigCheck& check,
   for (const auto* finding : findings) element(written(finding_json(check, *finding)));
   output().write("],\n\"sections\": [");
   first_ = true;
+  // Sorted, as zmconfigfile prints them: the order of the hash says nothing to a reader.
   ZmStringList names;
   check.sections().copykeys(names);
   names.sort();

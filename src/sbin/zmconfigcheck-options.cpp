@@ -38,6 +38,7 @@ constexpr std::string_view kHelp =
     "Options and files may stand in any order; \"--\" ends options; \"-\" is standard input.\n"
     "Status: 0 nothing wrong, 1 errors were found, 2 a file or section could not be read.\n";
 
+// Above all bytes: getopt_long() gives these and "h", ":" and "?" in one variable.
 enum Code {
   kExplain = 256,
   kDiff,
@@ -101,6 +102,8 @@ std::string indented(std::string_view text) {
   finish(0);
 }
 
+// An empty list and a comma too many hold an empty name, which is refused as any wrong one: an
+// --only without rules would silence nothing.
 void add_rules(std::set<std::string_view>& rules, std::string_view list) {
   for (std::size_t at = 0; at <= list.size();) {
     const std::size_t end = std::min(list.find(',', at), list.size());
@@ -112,6 +115,7 @@ void add_rules(std::set<std::string_view>& rules, std::string_view list) {
   }
 }
 
+// std::from_chars takes no sign for an unsigned number; std::strtoul would make a huge one of "-1".
 std::size_t number(std::string_view text) {
   std::size_t n = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), n);
@@ -130,12 +134,14 @@ void set_view(Options& options, View view, std::string_view value) {
   options.connected = value == "connected";
 }
 
-// The second argument of --diff.
+// The second argument of --diff. getopt_long() knows options with one argument only, and would take
+// this one for a file.
 std::string another(int argc, char** argv) {
   if (::optind >= argc) usage("option --diff needs two sections");
   return argv[::optind++];
 }
 
+// NO_COLOR counts as no-color.org has it: unless it is empty, and only where --color is not given.
 bool color(std::string_view when) {
   const char* no_color = std::getenv("NO_COLOR");
   if (when == "auto") return ::isatty(STDOUT_FILENO) && !(no_color && *no_color);
@@ -150,6 +156,7 @@ Options read_options(int argc, char** argv) {
   Options options;
   std::optional<std::size_t> limit;
   options.color = color("auto");
+  // Messages are usage()'s. The ":" in front tells an option without its value from an unknown one.
   ::opterr = 0;
   for (int code; (code = ::getopt_long(argc, argv, ":h", kOptions, nullptr)) != -1;) {
     const std::string_view value = ::optarg ? ::optarg : "";
@@ -175,6 +182,7 @@ Options read_options(int argc, char** argv) {
     if (code == ':') usage("option " + given + " needs a value");
     if (code == '?') usage("there is no option " + given);
   }
+  // Settled only here, since --limit may stand before the option that chooses the view.
   options.limit = limit.value_or(options.view == View::kFindings ? kScreens : 0);
   options.files.assign(argv + ::optind, argv + argc);
   if (options.files.empty()) usage("no file is given");
@@ -196,7 +204,9 @@ void finish(int status) {
   std::_Exit(status);
 }
 
+// May be called when memory is out, even from inside a destructor: std::_Exit runs nothing more.
 void fail(const std::string& message) {
+  // Where both streams go to one place, the message stands behind what came before it.
   output().flush();
   std::cerr << "zmconfigcheck: " + message + "\n";
   std::_Exit(kUsage);

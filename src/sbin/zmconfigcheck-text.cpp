@@ -38,7 +38,9 @@ std::string FindingText::head(const ZmConfigCheck::Place& place, std::string_vie
   return painted(where, kBold) + " " + painted(std::string(kind) + ":", paint) + " ";
 }
 
-// The line, or what is around the place in a long one, and a mark below it.
+// The line, or what is around the place in a long one, and a mark below it. Letters stay whole at
+// both ends, as half of one is no UTF-8, and a tab is a tab in both lines, however wide the
+// terminal makes it.
 std::string FindingText::excerpt(const ZmConfigCheck::Place& place) const {
   constexpr std::size_t kWidth = 160, kBefore = 60, kNumber = 5;
   const std::string_view line = check_.line(place);

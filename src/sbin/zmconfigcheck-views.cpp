@@ -37,6 +37,8 @@ std::string where(const std::string& file, const ZmConfigCheck::Place& place) {
   return file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
 }
 
+// A qualified option knows the header that was read last, too, but has nothing to do with it: hence
+// the order of the tests.
 std::string how(const ZmConfigCheck::Assignment& set) {
   const std::string line = " at line " + std::to_string(set.line);
   if (!set.parent.empty()) return "inherited from " + set.parent + line;
@@ -51,6 +53,7 @@ std::string followed(const std::string& file, const ZmConfigCheck::Reference& re
   std::string text(2 * reference.depth + 2, ' ');
   text += "-> " + reference.section;
   if (!reference.option.empty()) text += "." + reference.option;
+  // No line sets a "_", so it has no place, but always a value.
   const bool set = reference.place.line > 0;
   text += set || reference.option == "_" ? " = " + quoted(reference.value) : ": undefined";
   if (reference.circle) text += ", it leads back to itself";
@@ -74,6 +77,7 @@ void print(const std::string& file, const ZmConfigCheck::History& history) {
 int explain_option(const std::string& file, const ZmConfigCheck& check, std::string_view section,
                    std::string_view label) {
   const ZmConfigCheck::History history = check.history(section, label);
+  // Better no answer than one that sends somebody to the wrong line.
   if (!history.consistent) fail(file + ": the history of a value leads to another value");
   output().write(std::string(section) + "." + std::string(label) + " = " + quoted(history.value) +
                  "\n");
@@ -116,6 +120,8 @@ int explain(const std::string& file, const ZmConfigCheck& check, const std::stri
   fail(file + " has no section and no option \"" + name + "\"");
 }
 
+// As diff(1) has it, nothing and 0 when there is no difference. Labels of b are found by a map:
+// linear in what both sections hold.
 int diff(const std::string& file, const ZmConfigCheck& check, const std::string& first,
          const std::string& second) {
   const ZmConfig& a = known(file, check, first);

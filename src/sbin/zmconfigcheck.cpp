@@ -49,15 +49,18 @@ class Run {
   int run() {
     for (const std::string& path : options_.files) file(path);
     if (report_) report_->end(errors_, warnings_);
+    // The summary goes to standard error, and has to stand last where both are one terminal.
     output().flush();
     summary();
     static_cast<void>(check_.release());
+    // A file that can't be read outweighs what was found: the others must not pass for all.
     if (files_ < options_.files.size()) return kUsage;
     return errors_ > 0 || (options_.strict && warnings_ > 0) ? 1 : 0;
   }
 
  private:
   void file(const std::string& path) {
+    // Before the next one is read: only one file at a time is in memory.
     check_.reset();
     check_ = checked(options_, path);
     if (!check_) {
@@ -70,6 +73,7 @@ class Run {
     std::size_t more = 0;
     for (const auto& finding : check_->findings()) {
       if (!wanted(options_, finding)) continue;
+      // What is not shown counts, too: the status does not depend on --limit.
       ++(finding.severity == ZmConfigCheck::Severity::kError ? errors_ : warnings_);
       if (options_.limit == 0 || findings.size() < options_.limit) {
         findings.push_back(&finding);

@@ -9,6 +9,7 @@
 
 namespace {
 
+// The tab and the blank at the ends of lines belong to it: tests/help.txt holds it to the byte.
 constexpr std::string_view kHelp =
     "ZM(1)\n"
     "\t\t\tTorvel - Command Line API\n"
@@ -46,6 +47,8 @@ constexpr std::string_view kHelp =
 
 }  // namespace
 
+// Standard output is taken over as well: std::cerr is tied to it, so that a warning of the library
+// comes behind what was printed before.
 ZmWriter& output() {
   static ZmWriter* const writer = [] {
     auto* made = new ZmWriter(STDOUT_FILENO);  // never destroyed: std::cout uses it to the end
@@ -63,6 +66,8 @@ void finish(int status) {
   std::exit(status);
 }
 
+// Ends the process by itself, as display_version() does: ZmParam would end it with 0 even when
+// nothing could be written.
 void display_help() {
   ZmWriter& out = output();
   out.write("Torvel - version: ");

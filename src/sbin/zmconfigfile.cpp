@@ -18,6 +18,8 @@
 
 namespace {
 
+// Quotes show where a value with blanks ends. Nothing in it is escaped: the output is to be looked
+// at, not to be read back.
 void print(const ZmConfig& section) {
   ZmWriter& out = output();
   for (int i = 0; i < section.length(); ++i) {
@@ -32,6 +34,7 @@ void print(const ZmConfig& section) {
   }
 }
 
+// Names are unique, so that the pointers beside them never decide about the order.
 void print(const ZmConfigFile& file) {
   const ZmConfigHash& held = file.sections();
   std::vector<std::pair<std::string_view, const ZmConfig*>> sections;
@@ -51,10 +54,13 @@ void print(const ZmConfigFile& file) {
   ZmParam param;
   param.setVersion(display_version);
   param.setHelp(display_help);
+  // Its result says nothing more: after an error there are no arguments, which is told below.
   param.parse(argc, argv);
   std::unique_ptr<ZmConfigFile> file;
   for (int i = 0; i < param.length(); ++i) {
     const ZmString& path = param.arg(i);
+    // Asked first, since ZmConfigFile takes a missing file for an empty one. The warning is a part
+    // of the listing and does not change the status.
     if (ZmFile::exists(path)) {
       file.reset();  // before the next one is read
       file = std::make_unique<ZmConfigFile>(path, 0);

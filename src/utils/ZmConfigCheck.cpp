@@ -40,6 +40,7 @@ std::string where(const Survey::Found& found) {
 
 }  // namespace
 
+// Pointers into the one table, as findings have them: programs may compare these.
 const std::vector<const ZmConfigCheck::Rule*>& ZmConfigCheck::rules() {
   static const auto rules = [] {
     std::vector<const Rule*> all;
@@ -62,6 +63,8 @@ std::unique_ptr<ZmConfigCheck> ZmConfigCheck::open(const std::string& path,
 
 std::unique_ptr<ZmConfigCheck> ZmConfigCheck::read(std::FILE* file, unsigned char lowercase) {
   std::string text;
+  // The size saves copies while the text grows, and no more: that of a pipe is 0, and part of the
+  // file may have been read.
   struct stat status {};
   if (::fstat(::fileno(file), &status) == 0 && status.st_size > 0 && status.st_size < INT_MAX)
     text.reserve(static_cast<std::size_t>(status.st_size) + 1);
@@ -70,10 +73,13 @@ std::unique_ptr<ZmConfigCheck> ZmConfigCheck::read(std::FILE* file, unsigned cha
     text.append(block, n);
     if (text.size() >= INT_MAX) return nullptr;
   }
+  // A directory can be opened, but fails here.
   if (std::ferror(file)) return nullptr;
   return std::make_unique<ZmConfigCheck>(std::move(text), lowercase);
 }
 
+// The survey borrows the text, which must not move from then on. Findings come in the order of the
+// text, in which their places are found fastest.
 ZmConfigCheck::ZmConfigCheck(std::string text, unsigned char lowercase)
     : text_(std::move(text)),
       survey_(std::make_unique<ZmConfigSurvey>(text_, zm_config_check_rules())),
@@ -116,6 +122,7 @@ ZmConfigCheck::Origin ZmConfigCheck::origin(const ZmConfig& section, int label) 
           source.parent};
 }
 
+// A reading of its own, as in graph(): checking alone does not pay for what only these need.
 ZmConfigCheck::History ZmConfigCheck::history(std::string_view section,
                                               std::string_view label) const {
   return ZmConfigHistory::of(text_, lowercase_ != 0, {std::string(section), std::string(label)});

@@ -1,5 +1,6 @@
 #include "ZmConfigCheckRule.h"
 
+// Cut, since a name may be as long as the file and be in thousands of findings.
 std::string zm_shown(std::string_view text) {
   constexpr std::size_t kLongest = 60;
   std::string shown = "\"";

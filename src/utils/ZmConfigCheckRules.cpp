@@ -36,6 +36,7 @@ std::string_view words(std::string_view line) {
 
 std::size_t lines_below(const Survey& survey, std::size_t at) {
   const long below = survey.places().lines() - survey.places().at(at).line;
+  // A line end at the very end begins a line in which nothing stands.
   const bool last = survey.text().ends_with('\n') || survey.text().ends_with('\r');
   return static_cast<std::size_t>(std::max(0L, below - (last ? 1 : 0)));
 }
@@ -62,6 +63,8 @@ void reading_stops(Survey& survey, const ZmConfigStop& stop) {
   survey.report(stop.at, length, text, notes);
 }
 
+// A lone line end in quotes or braces is a value. Else it is the first byte of the value, and the
+// next line the rest.
 void empty_value(Survey& survey, const ZmConfigStatement& it) {
   if (!it.value.front().token.endsline() || it.value.front().kind != Part::kPlain) return;
   std::string_view taken = it.line.value.substr(1);
@@ -81,6 +84,7 @@ void unclosed_brace(Survey& survey) {
     survey.report(survey.unclosed(), 1, "the brace is never closed: the rest of the file is in it");
 }
 
+// The scanner gives every quoted text a closing quote: only the text tells whether there is one.
 void unclosed_quote(Survey& survey, const Part& part) {
   if (part.kind != Part::kClose || survey.text().substr(part.token.offset, 1) == "\"") return;
   survey.report(survey.quote(), 1, "the quote is not closed: the line end closes it");
@@ -94,6 +98,7 @@ void nested_brace(Survey& survey, const Part& part) {
                 "braces don't nest: the value ends at the first \"}\"");
 }
 
+// Once a line, but neither behind the end of the reading nor in comments, where nothing is lost.
 void dropped_bytes(Survey& survey) {
   const ZmConfigPlaces& places = survey.places();
   const long last = survey.stopped() ? places.at(survey.stop_end()).line : places.lines();
@@ -108,6 +113,8 @@ void dropped_bytes(Survey& survey) {
 
 // ---- Options ----
 
+// Blanks inside of quotes further on in the value are kept, so those before a content or its
+// closing quote don't count. A value that begins with the line end is told as an empty one.
 void joined_words(Survey& survey, const ZmConfigStatement& it) {
   if (it.quoted() || it.value.front().token.endsline()) return;
   for (const Part& part : it.value.subspan(1)) {
@@ -119,6 +126,7 @@ void joined_words(Survey& survey, const ZmConfigStatement& it) {
   }
 }
 
+// Behind a blank, or a quoted value, a comment is meant as one.
 void cut_by_comment(Survey& survey, const ZmConfigStatement& it) {
   const std::size_t at = survey.comment();
   if (it.quoted() || at == ZmConfigScanner::kNone || at <= it.line.value_at) return;
@@ -126,6 +134,7 @@ void cut_by_comment(Survey& survey, const ZmConfigStatement& it) {
     survey.report(at, survey.line_end(at) - at, "a comment starts here, right behind the value");
 }
 
+// An option that is set again under another header is how a host differs from its pattern.
 void repeated_option(Survey& survey, const ZmConfigStatement& it) {
   if (it.line.qualifier_at != ZmConfigLine::kNone) return;
   const std::uint32_t number = survey.first(it.line.label);
@@ -136,6 +145,7 @@ void repeated_option(Survey& survey, const ZmConfigStatement& it) {
                 {{first.label_at, first.label.size(), "it is set here"}});
 }
 
+// Asked at the end, as the next one and missing_parent() are: the section may stand further down.
 void dotted_name(Survey& survey) {
   for (const std::uint32_t number : survey.dotted()) {
     const auto& written = survey.written(number);
@@ -174,6 +184,7 @@ void missing_parent(Survey& survey) {
                       : "there is no section " + zm_shown(name) + " to inherit from");
 }
 
+// Blanks in the header are missing in the name, and so in the length of what is marked.
 void empty_pattern(Survey& survey, const ZmConfigHeading& it) {
   if (it.names.length() == 0)
     survey.report(it.at, it.name.size() + 2,
@@ -239,6 +250,8 @@ std::string_view word(const ZmConfigPiece& piece) {
   return piece.qualified ? piece.section : piece.label;
 }
 
+// Such a reference is told by its own rule only; those about what is undefined or swallowed leave
+// it alone.
 bool dangling(const ZmConfigPiece& piece) {
   return !named(word(piece)) || (piece.qualified && piece.known && !named(piece.label));
 }
@@ -253,13 +266,15 @@ ZmVerdict undefined_section(const Survey& survey, const ZmConfigUse& use, std::s
   if (dangling(use.piece) || use.piece.known) return kSilent;
   if (!text) return kFault;
   *text = "there is no section " + zm_shown(use.piece.section);
+  // In "$file.log" the option "file" may be meant, but the period makes it the name of a section.
   const ZmConfig* scope = survey.section(use.scope);
   if (scope && scope->find(use.piece.section))
     *text += ": write \"${" + std::string(use.piece.section) + "}\" in quotes for the option";
   return kFault;
 }
 
-// How to write a reference whose word runs on behind the name of an option.
+// How to write a reference whose word runs on behind the name of an option. From the longest name
+// on, and never inside a word: "$rooted" is no "$root". Each try hashes a name, hence the limit.
 std::string remedy(const Survey& survey, const ZmConfigPiece& piece, bool own) {
   constexpr std::size_t kLongest = 256;
   const ZmConfig* section = survey.section(piece.section);
@@ -276,6 +291,8 @@ std::string remedy(const Survey& survey, const ZmConfigPiece& piece, bool own) {
   return {};
 }
 
+// Only what is looked up in its own section may be there in one section and not in the next; one
+// that is missing in a named section is missing for all.
 ZmVerdict undefined_option(const Survey& survey, const ZmConfigUse& use, std::string* text) {
   const ZmConfigPiece& piece = use.piece;
   if (dangling(piece) || !piece.known || piece.label == "_") return kSilent;
@@ -288,6 +305,8 @@ ZmVerdict undefined_option(const Survey& survey, const ZmConfigUse& use, std::st
   return kFault;
 }
 
+// Only an unqualified reference copies an option as it is stored; of a qualified one it takes what
+// the option expands to.
 ZmVerdict unexpanded_value(const Survey&, const ZmConfigUse& use, std::string* text) {
   const ZmConfigPiece& piece = use.piece;
   if (piece.qualified || !piece.value || !zm_has_reference(zm_view(*piece.value))) return kSilent;
@@ -315,7 +334,8 @@ void unknown_rule(Survey& survey) {
     survey.report(at, name.size(), "there is no rule " + zm_shown(name));
 }
 
-// The names are for options of programs and for comments: they stay as they are.
+// The names are for options of programs and for comments: they stay as they are. There may be 32, a
+// bit each for what a comment silences. Findings at one place have the order of this table.
 const ZmConfigCheckRule kRules[] = {
     {{"reading-stops", kError,
       "A line that is no option ends the reading; what follows is ignored.",

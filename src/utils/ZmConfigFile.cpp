@@ -17,7 +17,8 @@ ZmConfigFile::ZmConfigFile(const ZmString& path, unsigned char lowercase) : lowe
 int ZmConfigFile::type() const { return 80; }
 
 void ZmConfigFile::parse(const ZmString& text) {
-  // The text may be an option of a section here, which reading it can change.
+  // The text may be an option of a section here, which reading it can change. With no section yet
+  // it can't be: then the text of a file is not copied.
   std::string own;
   if (sections_.length() > 0) own = zm_view(text);
   const std::string_view source = own.empty() ? zm_view(text) : own;
@@ -36,6 +37,7 @@ void ZmConfigFile::keys(ZmStringList& list) const {
   for (int i = 0; i < names.length(); ++i) list._push(new ZmString(*names.get(i)));
 }
 
+// For debugging: in the order of the hash, with every value in quotes. zmconfigfile prints its own.
 void ZmConfigFile::display() const {
   ZmStringList names;
   keys(names);

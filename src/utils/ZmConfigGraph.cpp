@@ -11,6 +11,7 @@ std::string quoted(std::string_view text, std::string_view below = {}) {
     if (c == '"' || c == '\\') all += '\\';
     all += c == '\n' || c == '\r' ? ' ' : c;
   }
+  // Behind the escaping, since this "\n" is one of DOT's own escapes.
   if (!below.empty()) all.append("\\n").append(below);
   return all + '"';
 }
@@ -32,9 +33,11 @@ void ZmConfigGraph::parent(const ZmConfigToken& token, const ZmConfig* found) {
 // An arrow from the header that the reference is written under.
 void ZmConfigGraph::use(const ZmConfigUse& use) {
   ZmConfigSurvey::use(use);
+  // An unqualified reference stays in its section.
   if (!use.piece.qualified) return;
   const Written& line = written(referring(*use.option).written);
   const ZmConfig* to = section(use.piece.section);
+  // A qualified line is not one of the header that happens to stand above it.
   const bool headed = line.heading != kNone && line.qualifier_at == kNone;
   const std::string from = headed ? headings()[line.heading].name : node(*section(use.home));
   const std::string target = to ? node(*to) : std::string(use.piece.section);
@@ -62,6 +65,7 @@ std::string ZmConfigGraph::run(bool lowercase, bool connected) {
   ZmConfigSurvey::run(lowercase);
   std::set<std::string> met;
   for (const Arrow& arrow : arrows_) met.insert({arrow.from, arrow.to});
+  // From the bottom to the top, as arrows lead to parents: these stand above their children.
   std::string text = "digraph farm {\n  rankdir=BT;\n  node [shape=box];\n";
   const auto known = nodes();
   for (const auto& [name, size] : known) {
@@ -73,6 +77,7 @@ std::string ZmConfigGraph::run(bool lowercase, bool connected) {
   for (const std::string& name : met)
     if (!known.contains(name)) text += "  " + quoted(name) + " [color=red];\n";
   for (const Arrow& arrow : arrows_) {
+    // A right one would lie upon the wrong one.
     if (!arrow.wrong && arrows_.contains({arrow.from, arrow.to, arrow.reference, true})) continue;
     text += "  " + quoted(arrow.from) + " -> " + quoted(arrow.to) + " [style=";
     text += arrow.reference ? "dashed" : "solid";

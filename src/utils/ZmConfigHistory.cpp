@@ -23,7 +23,8 @@ const std::pair<const std::string, Steps>* known(const Names& watched, const Nam
   return here == scopes.end() ? &*scopes.find(at->second.last) : &*here;
 }
 
-// All steps to the value of an option, those of one option where it is met first.
+// All steps to the value of an option, those of one option where it is met first: options that
+// refer twice to the next one would double the list at each level.
 Steps followed(const Names& watched, const Name& name) {
   struct Level {
     const std::string& scope;
@@ -53,6 +54,8 @@ Steps followed(const Names& watched, const Name& name) {
 
 }  // namespace
 
+// Which options matter is known only when the references of those before have been read: each
+// reading watches what the last one led to, and tells everything anew.
 ZmConfigCheckTypes::History ZmConfigHistory::of(std::string_view source, bool lowercase,
                                                 const Name& name) {
   Names watched{{name, {}}};
@@ -90,6 +93,7 @@ std::string_view ZmConfigHistory::label(const ZmString& option) const {
 
 void ZmConfigHistory::stored(const ZmConfig& section, int label, const ZmConfig* parent,
                              std::size_t number) {
+  // First, since source() knows what the survey has been told.
   ZmConfigSurvey::stored(section, label, parent, number);
   Watched* watch = watched(zm_view(section.name()), zm_view(section.label(label)));
   if (!watch) return;
@@ -101,6 +105,7 @@ void ZmConfigHistory::stored(const ZmConfig& section, int label, const ZmConfig*
   set.raw = line.raw;
   set.qualified = line.qualifier_at != kNone;
   if (parent) set.parent = zm_view(parent->name());
+  // What is inherited came by the header at hand. kNone is beyond all headers.
   const std::size_t count = headings().size();
   const std::size_t at = parent ? count - 1 : line.heading;
   if (at >= count) return;
@@ -109,7 +114,9 @@ void ZmConfigHistory::stored(const ZmConfig& section, int label, const ZmConfig*
   set.line = places().at(headings()[at].at).line;
 }
 
-// When a circle turns up, an option is read once more from its first reference on.
+// When a circle turns up, an option is read once more from its first reference on. What is left of
+// the reading before, open references as well as steps, is dropped then. An option that has been
+// expanded is no longer the text that is to be explained.
 void ZmConfigHistory::use(const ZmConfigUse& use) {
   ZmConfigSurvey::use(use);
   open_.resize(use.depth, {nullptr, 0});

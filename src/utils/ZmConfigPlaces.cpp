@@ -30,6 +30,7 @@ bool ZmConfigPlaces::whole(std::size_t index) const {
 // Only a line that lost bytes is walked. Places are mostly asked for in the order of the text, so
 // the walk goes on from the last one: a line of megabytes is not walked for each of its findings.
 ZmConfigPosition ZmConfigPlaces::at(std::size_t cleaned) const {
+  // The first line begins at 0, so there is one before this.
   const auto after = std::ranges::upper_bound(lines_, cleaned, {}, &Line::cleaned);
   const auto index = static_cast<std::size_t>(after - lines_.begin() - 1);
   const Line& line = lines_[index];

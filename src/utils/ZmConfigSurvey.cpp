@@ -15,6 +15,7 @@ using Part = ZmConfigPart;
 constexpr ZmCharSet kBlank(" \t");
 constexpr std::string_view kLineEnd = "\r\n";
 
+// No file of INT_MAX bytes is read, and what stands for none has all bits set in both widths.
 std::uint32_t narrow(std::size_t n) { return static_cast<std::uint32_t>(n); }
 
 }  // namespace
@@ -71,6 +72,7 @@ std::vector<ZmConfigSurvey::Found> ZmConfigSurvey::run(bool lowercase) {
   ask<ZmEndRule>();
   verdicts();
   std::erase_if(found_, [this](const Found& found) { return silenced(found); });
+  // Rules are elements of one array: their addresses have the order of the table.
   const auto place = [](const Found& f) { return std::tuple(f.mark.at, f.rule); };
   if (!std::ranges::is_sorted(found_, {}, place)) std::ranges::stable_sort(found_, {}, place);
   return std::move(found_);
@@ -79,6 +81,7 @@ std::vector<ZmConfigSurvey::Found> ZmConfigSurvey::run(bool lowercase) {
 void ZmConfigSurvey::token(const ZmConfigToken& token, const ZmConfigScanner& scanner) {
   if (scanner.comment() != comment_) comment(comment_ = scanner.comment());
   unclosed_ = scanner.unclosed();
+  // The token before decides first: the content of quotes may begin with a brace or a quote.
   Part part{token, Part::kPlain};
   if (last_ == Part::kOpen) {
     part.kind = Part::kContent;
@@ -91,6 +94,7 @@ void ZmConfigSurvey::token(const ZmConfigToken& token, const ZmConfigScanner& sc
   }
   last_ = part.kind;
   if (last_ == Part::kOpen) quote_ = token.offset;
+  // Of line ends in a row two are needed: a value that is one, and the token behind it.
   const std::size_t size = pieces_.size();
   if (size > 1 && token.endsline() && pieces_[size - 1].token.endsline() &&
       pieces_[size - 2].token.endsline())
@@ -110,6 +114,7 @@ void ZmConfigSurvey::header(const ZmConfigHeading& heading) {
   next();
 }
 
+// A qualified line is told before the section that it makes: it is the last one written.
 void ZmConfigSurvey::section(const ZmConfig& section, bool made) {
   if (heading_) {
     Heading& heading = headings_.back();
@@ -135,6 +140,7 @@ std::size_t ZmConfigSurvey::option(const ZmConfigLine& line) {
   while (end > line.value_at + 1 && kBlank.has(text()[end - 1])) --end;
   const ZmConfigStatement statement{line, std::span(value, pieces_.end() - 1), end,
                                     narrow(written_.size())};
+  // Before the label is known, or repeated-option would meet the line itself.
   ask<ZmLineRule>(statement);
   const std::string_view label = keep(line.label);
   written_.push_back({label, keep(line.value),
@@ -162,6 +168,7 @@ void ZmConfigSurvey::stop(const ZmConfigStop& stop) {
 void ZmConfigSurvey::stored(const ZmConfig& section, int label, const ZmConfig* parent,
                             std::size_t number) {
   std::uint32_t line = narrow(number);
+  // An option leads to its line at once, however many parents it came through.
   if (parent) line = source(*parent, static_cast<int>(number)).written;
   std::vector<Source>& options = known_[&section].options;
   const auto at = static_cast<std::size_t>(label);
@@ -170,7 +177,8 @@ void ZmConfigSurvey::stored(const ZmConfig& section, int label, const ZmConfig* 
   if (written_[line].refers) referring_[&section.value(label)] = {line, false};
 }
 
-// A piece of the cleaned text stays, others are kept here.
+// A piece of the cleaned text stays, others are kept here. In a deque they do not move, so views of
+// them last.
 std::string_view ZmConfigSurvey::keep(std::string_view text) {
   return keeps(text) ? text : kept_.emplace_back(text);
 }
@@ -195,6 +203,7 @@ void ZmConfigSurvey::comment(std::size_t at) {
     if (in.rest().starts_with(kIgnore))
       return silence(at, named(text().size() - in.left() + kIgnore.size(), line_end(at)));
   }
+  // On a silenced line a comment of any other kind may still pass the silence on.
   if (!silences_.empty() && silences_.back().to > at) silence(at, 0);
 }
 
@@ -245,6 +254,8 @@ bool ZmConfigSurvey::silenced(const Found& found) const {
 
 // ---- Expanding ----
 
+// Fibonacci hashing (D. Knuth, "The Art of Computer Programming", vol. 3, 6.4): std::hash may leave
+// numbers as they are, and those of one file differ in few bits.
 std::size_t ZmConfigSurvey::SpotHash::operator()(const Spot& spot) const {
   const auto place = std::uint64_t{spot.written} << 32 | spot.number;
   return std::hash<std::uint64_t>()((place ^ reinterpret_cast<std::uintptr_t>(spot.rule)) *
@@ -296,7 +307,8 @@ void ZmConfigSurvey::expanded(const ZmConfig&, const ZmString& value, std::strin
 
 // ---- Findings about references ----
 
-// Where each byte of a value stands in the cleaned text.
+// Where each byte of a value stands in the cleaned text. Made anew for lines with findings: kept
+// for all lines, it would take up to four times the memory of the file.
 std::vector<std::uint32_t> ZmConfigSurvey::offsets(const Written& written) const {
   std::vector<std::uint32_t> offsets;
   offsets.reserve(written.raw.size() + 1);
@@ -341,6 +353,7 @@ void ZmConfigSurvey::verdicts() {
   std::vector<std::pair<Spot, Verdict*>> failed;
   for (auto& [spot, verdict] : verdicts_)
     if (verdict.failed > 0) failed.emplace_back(spot, &verdict);
+  // By lines, so that the references of each are looked for once.
   std::ranges::sort(failed, {}, [](const auto& f) {
     return std::tuple(f.first.written, f.first.number, f.first.rule);
   });
@@ -390,7 +403,8 @@ void ZmConfigSurvey::loops() {
   }
 }
 
-// The steps from an option back to itself; what was met on the way is done.
+// The steps from an option back to itself; what was met on the way is done. Breadth first: no loop
+// through it is shorter than the first one that is found.
 std::vector<ZmConfigSurvey::Step> ZmConfigSurvey::loop(
     const ZmString* first, std::unordered_set<const ZmString*>& done) const {
   std::unordered_map<const ZmString*, Step> came;
@@ -432,7 +446,8 @@ void ZmConfigSurvey::tell(const std::vector<Step>& steps) {
 
 // ---- What is known ----
 
-// Whether every option without references is what its line says.
+// Whether every option without references is what its line says. The others have been expanded: a
+// history checks what came of one.
 bool ZmConfigSurvey::consistent() const {
   for (const auto& [section, known] : known_) {
     if (known.options.size() != static_cast<std::size_t>(section->length())) return false;

@@ -109,7 +109,7 @@ void ZmConfigSurvey::next() { pieces_.erase(pieces_.begin(), pieces_.end() - 1);
 void ZmConfigSurvey::header(const ZmConfigHeading& heading) {
   headings_.push_back({narrow(heading.at), std::string(heading.name)});
   heading_ = true;
-  labels_ = {};
+  labels_ = decltype(labels_)();  // a table of its first size, too: clearing a large one costs
   ask<ZmHeadingRule>(heading);
   next();
 }

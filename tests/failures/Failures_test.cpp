@@ -52,7 +52,7 @@ std::string keys(const Hash& hash) {
   hash.copykeys(list);
   list.sort();
   for (int i = 0; i < list.length(); ++i) EXPECT_NE(hash.get(*list.get(i)), nullptr);
-  EXPECT_EQ(list.length(), hash._table().entries());
+  EXPECT_EQ(list.length(), hash.length());
   return joined(list);
 }
 
@@ -245,7 +245,7 @@ std::string run(Packed<Pack>& pack) {
 void fill(ZmConfigFile& file) { file.parse(kConfig); }
 std::string run(ZmConfigFile& file) {
   const ZmConfigFile read(in("conf"), 1);
-  EXPECT_TRUE(read.sections()._table().entries() > 0 || faults::failed());
+  EXPECT_TRUE(read.sections().length() > 0 || faults::failed());
   const ZmConfigHash copied = file.export_hash();
   ZmStringList tokens;
   file.keys(tokens);

@@ -8,7 +8,7 @@ root = /opt/farm
 [node[1-2]] : base
 label = fast box
 log = "${base.root}/${_}.log"
-)");  // ZmConfigCheck::open(path) reads a file instead
+)");  // ZmConfigCheck::frompath(path) reads a file instead
 
   for (const auto& finding : check.findings())
     std::cout << finding.place.line << ":" << finding.place.column << " " << finding.text << " ["

@@ -50,12 +50,12 @@ TEST(ZmConfigCheck, FindsPlacesInsideValues) {
 }
 
 TEST(ZmConfigCheck, ReadsFiles) {
-  EXPECT_EQ(ZmConfigCheck::open("/nonexistent"), nullptr);
-  EXPECT_EQ(ZmConfigCheck::open("/"), nullptr);
+  EXPECT_EQ(ZmConfigCheck::frompath("/nonexistent"), nullptr);
+  EXPECT_EQ(ZmConfigCheck::frompath("/"), nullptr);
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
   std::fputs("passed over\n[A] : a\n[B] : A\nc = d e", file.get());
   std::fseek(file.get(), 12, SEEK_SET);
-  const auto check = ZmConfigCheck::read(file.get(), 1);
+  const auto check = ZmConfigCheck::fromfile(file.get(), 1);
   ASSERT_TRUE(check);
   EXPECT_EQ(found(*check), "3:5 3 joined-words;");
 }

@@ -150,7 +150,7 @@ void JsonReport::element(const std::string& text) {
 
 // The arrays of a file stand inside an element of the array of files: `first_` is theirs for a
 // while, and then tells again that this one has an element.
-void JsonReport::add(const std::string& file, const ZmConfigCheck& check,
+void JsonReport::tell(const std::string& file, const ZmConfigCheck& check,
                      const Findings& findings) {
   if (sarif_) {
     for (const auto* finding : findings) element(written(sarif_result(check, file, *finding)));

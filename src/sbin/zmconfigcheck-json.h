@@ -16,7 +16,7 @@ class JsonReport {
   // With `sarif` in the Static Analysis Results Interchange Format 2.1.0, which has findings only;
   // else with all sections and their options.
   explicit JsonReport(bool sarif);
-  void add(const std::string& file, const ZmConfigCheck& check, const Findings& findings);
+  void tell(const std::string& file, const ZmConfigCheck& check, const Findings& findings);
   // `errors` and `warnings` are all there are, those that were not added included.
   void end(std::size_t errors, std::size_t warnings);
 

@@ -25,7 +25,7 @@ std::string shown(const std::string& path) { return path == "-" ? "<stdin>" : pa
 std::unique_ptr<ZmConfigCheck> checked(const Options& options, const std::string& path) {
   const unsigned char lowercase = options.lowercase;
   std::unique_ptr<ZmConfigCheck> check =
-      path == "-" ? ZmConfigCheck::read(stdin, lowercase) : ZmConfigCheck::open(path, lowercase);
+      path == "-" ? ZmConfigCheck::fromfile(stdin, lowercase) : ZmConfigCheck::frompath(path, lowercase);
   if (check && !check->consistent()) fail(shown(path) + kFault);
   return check;
 }
@@ -82,7 +82,7 @@ class Run {
       }
     }
     if (report_) {
-      report_->add(shown(path), *check_, findings);
+      report_->tell(shown(path), *check_, findings);
     } else {
       print(shown(path), findings, more);
     }

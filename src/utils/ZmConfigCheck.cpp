@@ -55,13 +55,13 @@ const ZmConfigCheck::Rule* ZmConfigCheck::rule(std::string_view name) {
   return at == rules().end() ? nullptr : *at;
 }
 
-std::unique_ptr<ZmConfigCheck> ZmConfigCheck::open(const std::string& path,
+std::unique_ptr<ZmConfigCheck> ZmConfigCheck::frompath(const std::string& path,
                                                    unsigned char lowercase) {
   const ZmOpenFile file(std::fopen(path.c_str(), "rb"));
-  return file ? read(file.get(), lowercase) : nullptr;
+  return file ? fromfile(file.get(), lowercase) : nullptr;
 }
 
-std::unique_ptr<ZmConfigCheck> ZmConfigCheck::read(std::FILE* file, unsigned char lowercase) {
+std::unique_ptr<ZmConfigCheck> ZmConfigCheck::fromfile(std::FILE* file, unsigned char lowercase) {
   std::string text;
   // The size saves copies while the text grows, and no more: that of a pipe is 0, and part of the
   // file may have been read.

@@ -20,7 +20,7 @@ class ZmConfigSurvey;
 /// misspelt reference reads as empty. This class watches ZmConfigFile's own reader at work and
 /// judges what it sees by a table of rules:
 ///
-///     if (const auto check = ZmConfigCheck::open("farm.conf"))
+///     if (const auto check = ZmConfigCheck::frompath("farm.conf"))
 ///       for (const auto& finding : check->findings())
 ///         std::cout << finding.place.line << ": " << finding.text << '\n';
 ///
@@ -35,9 +35,9 @@ class ZM_EXPORT ZmConfigCheck : public ZmConfigCheckTypes {
 
   /// Reads and judges a file; null when it can't be opened or read to its end, or is too large for
   /// ZmConfigFile (see ZmFile). Pipes are read, too.
-  static std::unique_ptr<ZmConfigCheck> open(const std::string& path, unsigned char lowercase = 0);
+  static std::unique_ptr<ZmConfigCheck> frompath(const std::string& path, unsigned char lowercase = 0);
   /// The same for what is left of an open file, as standard input, which stays open.
-  static std::unique_ptr<ZmConfigCheck> read(std::FILE* file, unsigned char lowercase = 0);
+  static std::unique_ptr<ZmConfigCheck> fromfile(std::FILE* file, unsigned char lowercase = 0);
   /// Reads and judges the text, as ZmConfigFile would read it, `lowercase` included.
   explicit ZmConfigCheck(std::string text, unsigned char lowercase = 0);
   ~ZmConfigCheck();

@@ -201,26 +201,3 @@ unsigned char ZmExpression::_parse(ZmStringList& tokens, int notation) {
   infix.finish();
   return tree.finish();
 }
-
-unsigned char ZmExpression::parse(const ZmString& text, int notation) {
-  // Read from its end, so all tokens have to be there before the first is taken.
-  if (notation == kPrefix) {
-    ZmStringList tokens;
-    tokenize(text, tokens);
-    return _parse(tokens, notation);
-  }
-  ZmTokens tokens(zm_view(text), ZmSyntax::kExpression);
-  return _parse(tokens, notation);
-}
-
-unsigned char ZmExpression::callbackparse(const ZmString& text) {
-  ZmTokens tokens(zm_view(text), ZmSyntax::kCallback);
-  return _parse(tokens, kInfix);
-}
-
-unsigned char ZmExpression::valueparse(const ZmString& text) {
-  ZmTokens tokens(zm_view(text), ZmSyntax::kValue);
-  return _parse(tokens, kInfix);
-}
-
-int ZmExpression::precedence(const ZmString& op) { return zm_operator(zm_view(op))->precedence; }

@@ -56,8 +56,8 @@ bool zm_read_file(const ZmString& path, ZmString& text) {
   // is read all the same.
   const long long room = (static_cast<long long>(status.st_size) + 1) * 4;
   whole._resize(static_cast<int>(std::min<long long>(room, INT_MAX)));
-  const auto read = [&file](char* to, std::size_t size) { return retried(file.get(), to, size); };
-  while (whole._fill(read) > 0 && whole.length() != status.st_size) {
+  const auto more = [&file](char* to, std::size_t size) { return retried(file.get(), to, size); };
+  while (whole._fill(more) > 0 && whole.length() != status.st_size) {
   }
   text._swap(whole);
   return true;

@@ -151,7 +151,7 @@ void JsonReport::element(const std::string& text) {
 // The arrays of a file stand inside an element of the array of files: `first_` is theirs for a
 // while, and then tells again that this one has an element.
 void JsonReport::tell(const std::string& file, const ZmConfigCheck& check,
-                     const Findings& findings) {
+                      const Findings& findings) {
   if (sarif_) {
     for (const auto* finding : findings) element(written(sarif_result(check, file, *finding)));
     return;
@@ -170,7 +170,7 @@ void JsonReport::tell(const std::string& file, const ZmConfigCheck& check,
   first_ = false;
 }
 
-void JsonReport::end(std::size_t errors, std::size_t warnings) {
+void JsonReport::complete(std::size_t errors, std::size_t warnings) {
   if (sarif_) return output().write("]}]}\n");
   output().write("],\n\"errors\": " + std::to_string(errors) +
                  ", \"warnings\": " + std::to_string(warnings) + "}\n");

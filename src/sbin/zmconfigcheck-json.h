@@ -18,7 +18,7 @@ class JsonReport {
   explicit JsonReport(bool sarif);
   void tell(const std::string& file, const ZmConfigCheck& check, const Findings& findings);
   // `errors` and `warnings` are all there are, those that were not added included.
-  void end(std::size_t errors, std::size_t warnings);
+  void complete(std::size_t errors, std::size_t warnings);
 
  private:
   void element(const std::string& text);

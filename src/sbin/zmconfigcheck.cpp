@@ -24,8 +24,8 @@ std::string shown(const std::string& path) { return path == "-" ? "<stdin>" : pa
 // Null when it can't be read.
 std::unique_ptr<ZmConfigCheck> checked(const Options& options, const std::string& path) {
   const unsigned char lowercase = options.lowercase;
-  std::unique_ptr<ZmConfigCheck> check =
-      path == "-" ? ZmConfigCheck::fromfile(stdin, lowercase) : ZmConfigCheck::frompath(path, lowercase);
+  std::unique_ptr<ZmConfigCheck> check = path == "-" ? ZmConfigCheck::fromfile(stdin, lowercase)
+                                                     : ZmConfigCheck::frompath(path, lowercase);
   if (check && !check->consistent()) fail(shown(path) + kFault);
   return check;
 }
@@ -48,7 +48,7 @@ class Run {
 
   int run() {
     for (const std::string& path : options_.files) file(path);
-    if (report_) report_->end(errors_, warnings_);
+    if (report_) report_->complete(errors_, warnings_);
     // The summary goes to standard error, and has to stand last where both are one terminal.
     output().flush();
     summary();

@@ -56,7 +56,7 @@ const ZmConfigCheck::Rule* ZmConfigCheck::rule(std::string_view name) {
 }
 
 std::unique_ptr<ZmConfigCheck> ZmConfigCheck::frompath(const std::string& path,
-                                                   unsigned char lowercase) {
+                                                       unsigned char lowercase) {
   const ZmOpenFile file(std::fopen(path.c_str(), "rb"));
   return file ? fromfile(file.get(), lowercase) : nullptr;
 }

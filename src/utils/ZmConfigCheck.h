@@ -35,7 +35,8 @@ class ZM_EXPORT ZmConfigCheck : public ZmConfigCheckTypes {
 
   /// Reads and judges a file; null when it can't be opened or read to its end, or is too large for
   /// ZmConfigFile (see ZmFile). Pipes are read, too.
-  static std::unique_ptr<ZmConfigCheck> frompath(const std::string& path, unsigned char lowercase = 0);
+  static std::unique_ptr<ZmConfigCheck> frompath(const std::string& path,
+                                                 unsigned char lowercase = 0);
   /// The same for what is left of an open file, as standard input, which stays open.
   static std::unique_ptr<ZmConfigCheck> fromfile(std::FILE* file, unsigned char lowercase = 0);
   /// Reads and judges the text, as ZmConfigFile would read it, `lowercase` included.

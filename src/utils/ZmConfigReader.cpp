@@ -225,10 +225,10 @@ ZmConfigReader::Target ZmConfigReader::section(const ZmString& name) {
     if (observer_) observer_->section(*known, false);
     return {known, kNone};
   }
-  ZmOwned<ZmConfig> config(new ZmConfig);
-  config->name(name);
-  ZmConfig* made = config.get();
-  sections_.set(std::move(config), ZmOwned<ZmString>(ZmString::_exact(name)));
+  ZmOwned<ZmConfig> fresh(new ZmConfig);
+  fresh->name(name);
+  ZmConfig* made = fresh.get();
+  sections_.set(std::move(fresh), ZmOwned<ZmString>(ZmString::_exact(name)));
   created_.push_back(made);
   if (observer_) observer_->section(*made, true);
   return {made, created_.size() - 1};

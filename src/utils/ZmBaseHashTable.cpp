@@ -56,7 +56,7 @@ ZmBaseHashSlots::ZmBaseHashSlots(int size, std::uint64_t numbers)
   clear();
 }
 
-void ZmBaseHashSlots::swap(ZmBaseHashSlots& other) {
+void ZmBaseHashSlots::trade(ZmBaseHashSlots& other) {
   std::swap(bytes_, other.bytes_);
   std::swap(size_, other.size_);
   std::swap(width_, other.width_);
@@ -208,7 +208,7 @@ void ZmBaseHashTable::renumber() const {
   }
   for (int i = 0; i < slots.size(); ++i)
     slots.put(i, slots_.mark(i), slots_.occupied(i) ? numbers[slots_.number(i)] : 0);
-  slots_.swap(slots);
+  slots_.trade(slots);
   if (overflow_)
     for (auto& [text, number] : *overflow_) number = numbers[number];
   used_ = live_;
@@ -337,7 +337,7 @@ void ZmBaseHashTable::take(Growth& to, Destroy destroy) {
     to.count += static_cast<int>(overflow_->size());
     if (overflow_->empty()) overflow_.reset();
   }
-  slots_.swap(to.slots);
+  slots_.trade(to.slots);
   count_ = to.count;
   for (const std::uint32_t number : to.replaced) {
     void* const value = entries_[number].value;
@@ -373,7 +373,7 @@ void ZmBaseHashTable::fill(const ZmBaseHashTable& other, void* (*copy_value)(con
   // Every entry keeps its slot. A removed slot becomes an empty one, so what was placed beyond it
   // is listed and no longer found.
   ZmBaseHashSlots slots(other.slots_.size(), other.slots_.numbers());
-  slots_.swap(slots);
+  slots_.trade(slots);
   if (room_ < other.used_) reserve(other.used_);
   // Counted one by one, so that clear() finds just what has been made when memory ends in between.
   for (; used_ < other.used_; ++used_, ++live_) {

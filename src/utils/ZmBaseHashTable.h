@@ -23,7 +23,7 @@ class ZmBaseHashSlots {
   ZmBaseHashSlots(const ZmBaseHashSlots&) = delete;
   ZmBaseHashSlots& operator=(const ZmBaseHashSlots&) = delete;
   ~ZmBaseHashSlots() { delete[] bytes_; }
-  void swap(ZmBaseHashSlots& other);
+  void trade(ZmBaseHashSlots& other);
 
   int size() const { return size_; }
   std::uint64_t numbers() const { return std::uint64_t{1} << 8 * width_; }  // above every number

@@ -210,7 +210,7 @@ void ZmExpression::display(int indent) const {
 
 unsigned char ZmExpression::parse(const ZmString& text, int notation) {
   // Read from its end, so all tokens have to be there before the first is taken.
-  if (notation == kPrefix) {
+  if (notation == kZmPrefix) {
     ZmStringList tokens;
     tokenize(text, tokens);
     return _parse(tokens, notation);
@@ -221,12 +221,12 @@ unsigned char ZmExpression::parse(const ZmString& text, int notation) {
 
 unsigned char ZmExpression::callbackparse(const ZmString& text) {
   ZmTokens tokens(zm_view(text), ZmSyntax::kCallback);
-  return _parse(tokens, kInfix);
+  return _parse(tokens, kZmInfix);
 }
 
 unsigned char ZmExpression::valueparse(const ZmString& text) {
   ZmTokens tokens(zm_view(text), ZmSyntax::kValue);
-  return _parse(tokens, kInfix);
+  return _parse(tokens, kZmInfix);
 }
 
 int ZmExpression::precedence(const ZmString& op) { return zm_operator(zm_view(op))->precedence; }

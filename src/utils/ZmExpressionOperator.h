@@ -5,6 +5,9 @@
 #include <cstdint>
 #include <string_view>
 
+// Where the operators of an expression stand: the numbers that parse() takes for it.
+inline constexpr int kZmInfix = 0, kZmPostfix = 1, kZmPrefix = 2;
+
 // Names of one meaning share a code. "-" and "sub" have one each, since only "-" is unary as well;
 // "!=" and "<>" too, since "<>" compares integers only.
 enum class ZmOperation : unsigned char {

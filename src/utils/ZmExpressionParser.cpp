@@ -9,12 +9,6 @@
 #include "ZmText.h"
 #include "ZmTextSplit.h"
 
-namespace {
-
-constexpr int kInfix = 0, kPostfix = 1, kPrefix = 2;  // notations
-
-}  // namespace
-
 // Makes the nodes and keeps those that have no parent yet, in the order of the text. Lives for one
 // parse.
 class ZmExpression::Builder {
@@ -175,7 +169,7 @@ bool ZmExpression::_parse(ZmTokens& tokens, int notation) {
   Builder tree(*this);
   Infix infix(tree);
   for (std::string_view token; tokens.next(token);) {
-    if (notation == kPostfix) {
+    if (notation == kZmPostfix) {
       tree.postfix(token);
     } else {
       infix.take(token);
@@ -191,8 +185,8 @@ unsigned char ZmExpression::_parse(ZmStringList& tokens, int notation) {
   Infix infix(tree);
   const int n = tokens.length();
   for (int i = 0; i < n; ++i) {
-    ZmString& token = *tokens.get(notation == kPrefix ? n - 1 - i : i);
-    if (notation == kPrefix || notation == kPostfix) {
+    ZmString& token = *tokens.get(notation == kZmPrefix ? n - 1 - i : i);
+    if (notation == kZmPrefix || notation == kZmPostfix) {
       tree.postfix(zm_view(token));
     } else if (infix.take(zm_view(token))) {
       token = "--";

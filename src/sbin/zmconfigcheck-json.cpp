@@ -143,7 +143,7 @@ JsonReport::JsonReport(bool sarif) : sarif_(sarif) {
 }
 
 // The elements of an array stand on lines of their own.
-void JsonReport::element(const std::string& text) {
+void JsonReport::piece(const std::string& text) {
   output().write(std::exchange(first_, false) ? "\n" : ",\n");
   output().write(text);
 }
@@ -153,19 +153,19 @@ void JsonReport::element(const std::string& text) {
 void JsonReport::tell(const std::string& file, const ZmConfigCheck& check,
                       const Findings& findings) {
   if (sarif_) {
-    for (const auto* finding : findings) element(written(sarif_result(check, file, *finding)));
+    for (const auto* finding : findings) piece(written(sarif_result(check, file, *finding)));
     return;
   }
-  element("{\"file\": " + written(file) + ", \"findings\": [");
+  piece("{\"file\": " + written(file) + ", \"findings\": [");
   first_ = true;
-  for (const auto* finding : findings) element(written(finding_json(check, *finding)));
+  for (const auto* finding : findings) piece(written(finding_json(check, *finding)));
   output().write("],\n\"sections\": [");
   first_ = true;
   // Sorted, as zmconfigfile prints them: the order of the hash says nothing to a reader.
   ZmStringList names;
   check.sections().copykeys(names);
   names.sort();
-  for (int i = 0; i < names.length(); ++i) element(written(section_json(check, *names.get(i))));
+  for (int i = 0; i < names.length(); ++i) piece(written(section_json(check, *names.get(i))));
   output().write("]}");
   first_ = false;
 }

@@ -21,7 +21,7 @@ class JsonReport {
   void complete(std::size_t errors, std::size_t warnings);
 
  private:
-  void element(const std::string& text);
+  void piece(const std::string& text);
 
   bool sarif_;
   bool first_ = true;  // of an array

@@ -180,7 +180,10 @@ Options read_options(int argc, char** argv) {
     if (code == kVersion)
       print(std::string("Torvel - version: ") + kZmVersion + "  build: " + kZmBuild + "\n");
     if (code == ':') usage("option " + given + " needs a value");
-    if (code == '?') usage("there is no option " + given);
+    // Of several letters in one argument only this one is wrong; of a long option it is none.
+    const std::string letter{'-', static_cast<char>(::optopt)};
+    if (code == '?')
+      usage("there is no option " + (::optopt > 0 && ::optopt < 128 ? letter : given));
   }
   // Settled only here, since --limit may stand before the option that chooses the view.
   options.limit = limit.value_or(options.view == View::kFindings ? kScreens : 0);

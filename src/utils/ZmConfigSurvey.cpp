@@ -323,10 +323,13 @@ std::vector<std::uint32_t> ZmConfigSurvey::offsets(const Written& written) const
   } else {
     ZmConfigScanner scanner(text().substr(written.value_at, written.end - written.value_at));
     ZmConfigToken token;
-    const bool quoted = starts(written.value_at, '"') && scanner.next(token);
+    // Tokens of a quoted text that are still to come, content and closing quote: "{" is no brace
+    // there.
+    int quoted = starts(written.value_at, '"') && scanner.next(token) ? 2 : 0;
     while (offsets.size() < written.raw.size() && scanner.next(token)) {
       const std::size_t at = written.value_at + token.offset;
-      walk(token.text, at + (!quoted && starts(at, '{')));
+      walk(token.text, at + (quoted == 0 && starts(at, '{')));
+      quoted = quoted > 0 ? quoted - 1 : starts(at, '"') ? 2 : 0;
     }
   }
   offsets.resize(written.raw.size() + 1, written.end);

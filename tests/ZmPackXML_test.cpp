@@ -64,28 +64,11 @@ ZmStringList everytext() {
     }
   }
   using namespace std::string_view_literals;
-  for (const auto text : {""sv,
-                          "]]>"sv,
-                          "&amp;"sv,
-                          "a\r\nb\rc\n"sv,
-                          "<!--x-->"sv,
-                          "\xed\xa0\x80"sv,
-                          "\xef\xbf\xbe"sv,
-                          "\xef\xbf\xbf"sv,
-                          "\xe0\x80\x80"sv,
-                          "\xef\xbf\xbd"sv,
-                          "\xc3\xa9"sv,
-                          "\xf4\x90\x80\x80"sv,
-                          "\xf0\x9f\x98\x80"sv,
-                          "\xc0\x80"sv,
-                          "\xe2\x82"sv,
-                          "\xef\xbb\xbfx"sv,
-                          "\0"sv,
-                          "a\0b"sv,
-                          "\0\0\0\0"sv,
-                          "\xf4\x8f\xbf\xbf"sv,
-                          "\xee\x80\x80"sv})
-    texts.push(new ZmString(zm_string(text)));
+  const auto add = [&](auto... all) { (texts.push(new ZmString(zm_string(all))), ...); };
+  add(""sv, "]]>"sv, "&amp;"sv, "a\r\nb\rc\n"sv, "<!--x-->"sv, "\xed\xa0\x80"sv, "\xef\xbf\xbe"sv,
+      "\xef\xbf\xbf"sv, "\xe0\x80\x80"sv, "\xef\xbf\xbd"sv, "\xc3\xa9"sv, "\xf4\x90\x80\x80"sv,
+      "\xf0\x9f\x98\x80"sv, "\xc0\x80"sv, "\xe2\x82"sv, "\xef\xbb\xbfx"sv, "\0"sv, "a\0b"sv,
+      "\0\0\0\0"sv, "\xf4\x8f\xbf\xbf"sv, "\xee\x80\x80"sv);
   return texts;
 }
 

@@ -108,7 +108,9 @@ class ZM_EXPORT ZmBaseHash {
   void resize() { table_.resize(_destroy); }  ///< Grows the table; set() does so when it must.
 
  protected:
+  /// The pairs in their slots, for derived classes.
   const ZmBaseHashTable& _table() const { return table_; }
+  /// To change them.
   ZmBaseHashTable& _table() { return table_; }
 
  private:

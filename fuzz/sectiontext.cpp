@@ -12,10 +12,11 @@ bool has(std::string_view text, std::string_view any) {
   return text.find_first_of(any) != std::string_view::npos;
 }
 
-// Whether section text can express the value: nothing in it is escaped.
+// Whether section text can express the value: nothing in it is escaped. Bytes above 127 end a value
+// on every machine, whatever sign its plain char has.
 bool writable(const ZmString& value) {
   for (const char c : zm_view(value))
-    if (c <= 0) return false;
+    if (static_cast<signed char>(c) <= 0) return false;
   return !has(zm_view(value), "\"'{}#\r");
 }
 

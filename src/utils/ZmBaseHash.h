@@ -84,8 +84,8 @@ class ZM_EXPORT ZmBaseHash {
         [&out](const ZmBaseHashTable::Entry& entry) { out._push(ZmString::_exact(*entry.key)); });
   }
   /// Destroys what is held, then copies every pair into the slot it has in the other hash, texts
-  /// without room to grow. Entries
-  /// that the other hash placed beyond a removed one are listed by the copy but not found.
+  /// without room to grow. Entries that the other hash placed beyond a removed one are listed by
+  /// the copy but not found.
   void copy(const ZmBaseHash& other) {
     if (this == &other) return;
     clear();

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <new>
 #include <utility>
 
 #include "ZmConfigCheckRules.h"
@@ -35,6 +36,12 @@ std::string where(const Survey::Found& found) {
     text = ", in " + zm_shown(found.section) + " and " + std::to_string(more) + " more section" +
            (more > 1 ? "s" : "");
   if (found.lenient) text += ", but not in all";
+  return text;
+}
+
+// Places are numbers of 32 bits.
+std::string fitting(std::string text) {
+  if (text.size() >= INT_MAX) throw std::bad_alloc();
   return text;
 }
 
@@ -81,7 +88,7 @@ std::unique_ptr<ZmConfigCheck> ZmConfigCheck::fromfile(std::FILE* file, unsigned
 // The survey borrows the text, which must not move from then on. Findings come in the order of the
 // text, in which their places are found fastest.
 ZmConfigCheck::ZmConfigCheck(std::string text, unsigned char lowercase)
-    : text_(std::move(text)),
+    : text_(fitting(std::move(text))),
       survey_(std::make_unique<ZmConfigSurvey>(text_, zm_config_check_rules())),
       lowercase_(lowercase) {
   std::vector<Survey::Found> all = survey_->run(lowercase != 0);

@@ -39,7 +39,8 @@ class ZM_EXPORT ZmConfigCheck : public ZmConfigCheckTypes {
                                                  unsigned char lowercase = 0);
   /// The same for what is left of an open file, as standard input, which stays open.
   static std::unique_ptr<ZmConfigCheck> fromfile(std::FILE* file, unsigned char lowercase = 0);
-  /// Reads and judges the text, as ZmConfigFile would read it, `lowercase` included.
+  /// Reads and judges the text, as ZmConfigFile would read it, `lowercase` included. One of
+  /// 2,147,483,647 bytes or more throws std::bad_alloc.
   explicit ZmConfigCheck(std::string text, unsigned char lowercase = 0);
   ~ZmConfigCheck();
   ZmConfigCheck(const ZmConfigCheck&) = delete;

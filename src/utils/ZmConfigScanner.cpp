@@ -65,7 +65,7 @@ bool ZmConfigScanner::next(ZmConfigToken& token) {
 }
 
 // A quoted value comes as three tokens, its content in the middle, however empty: so the reader can
-// tell "" from nothing, and never takes a sign in quotes for the end of the value.
+// tell "" from nothing. A content that is a lone quote is the closing one to it.
 bool ZmConfigScanner::pending(ZmConfigToken& token) {
   if (pending_ == Pending::kContent) {
     token = content_;

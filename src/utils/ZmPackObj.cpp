@@ -70,8 +70,9 @@ void ZmPackObj::copy(const ZmPackObj& other) {
       static_cast<void>(element.release());
     }
   }
+  // Nothing fails from here on.
   _clear();
-  name_._fit(made.name_);
+  name_._swap(made.name_);
   key_ = std::move(made.key_);
   text_ = std::move(made.text_);
   std::swap(inside_, made.inside_);

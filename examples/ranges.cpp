@@ -15,7 +15,7 @@ void print(const char* what, const ZmRange& range) {
 int main() {
   ZmRange frames("1-9x2, 4, 20-18");
   print("as written", frames);
-  std::cout << "shortest: " << frames.value() << "\n";  // sorts, and keeps one of each
+  std::cout << "compact: " << frames.value() << "\n";  // sorts, and keeps one of each
   print("afterwards", frames);
 
   ZmRange shot("1-10");

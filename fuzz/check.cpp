@@ -22,12 +22,12 @@ void checkplace(const ZmConfigCheck& check, std::string_view text,
 }
 
 void checkfindings(const ZmConfigCheck& check, std::string_view text) {
-  std::size_t line = 0;
+  std::size_t offset = 0;
   for (const auto& finding : check.findings()) {
     checkplace(check, text, finding.place);
     for (const auto& note : finding.notes) checkplace(check, text, note.place);
-    require(static_cast<std::size_t>(finding.place.line) >= line);
-    line = static_cast<std::size_t>(finding.place.line);
+    require(finding.place.offset >= offset);
+    offset = finding.place.offset;
   }
 }
 

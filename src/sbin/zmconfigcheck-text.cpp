@@ -43,12 +43,13 @@ std::string FindingText::head(const ZmConfigCheck::Place& place, std::string_vie
 // terminal makes it.
 std::string FindingText::excerpt(const ZmConfigCheck::Place& place) const {
   constexpr std::size_t kWidth = 160, kBefore = 60, kNumber = 5;
+  constexpr int kMore = 3;  // bytes of a letter behind its first one
   const std::string_view line = check_.line(place);
   const std::size_t at = static_cast<std::size_t>(place.column) - 1;
   std::size_t from = line.size() > kWidth && at > kBefore ? at - kBefore : 0;
-  while (from > 0 && goes_on(line[from])) --from;
+  for (int i = 0; i < kMore && from > 0 && goes_on(line[from]); ++i) --from;
   std::size_t to = std::min(line.size(), from + kWidth);
-  while (to < line.size() && goes_on(line[to])) ++to;
+  for (int i = 0; i < kMore && to < line.size() && goes_on(line[to]); ++i) ++to;
   std::string text;
   std::string below;
   if (from > 0) text = "...", below = "   ";

@@ -13,8 +13,8 @@
 ///
 /// Owns keys and values: set() takes both, remove() destroys the key and hands the value back,
 /// clear() and the destructor destroy all, release() forgets the values, keys() lends the keys.
-/// Keys compare byte by byte with case, and the empty key is a key. Key order is slot order: it
-/// follows hash values and table size, so callers that need an order sort.
+/// Keys compare as ZmString does, with case, and the empty key is a key. Key order is slot order:
+/// it follows hash values and table size, so callers that need an order sort.
 ///
 /// The table starts with 17 slots and never shrinks; it grows to four times its size, one and a
 /// random 0 to 99 (rand()) when the places of a new key are all taken. Where no growth would help,
@@ -94,7 +94,9 @@ class ZM_EXPORT ZmBaseHash {
 
   /// @name By position
   /// Every pair, from 0 to length() - 1, in the order in which the keys were first set; no other
-  /// position may be asked for. Where a key has two entries, both are among them.
+  /// position may be asked for. Where a key has two entries, both are among them. The first
+  /// question after a removal but from the end goes through the whole table: before removing many,
+  /// take the keys.
   /// @{
 
   int length() const { return table_.entries(); }                    ///< The number of pairs.

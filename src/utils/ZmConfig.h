@@ -88,10 +88,11 @@ class ZM_EXPORT ZmConfig : public ZmPack {
   ZmString host() const;
 
   /// @name Section text
-  /// One "label = value" a line; "#" starts a comment; a header in brackets is passed over; spaces
-  /// inside a label are dropped. A value in single or double quotes or in braces (nested, over
-  /// several lines) is taken whole; any other ends at white space, "#" or a byte above 127, and
-  /// the rest of its line is ignored. Lines that don't fit are skipped.
+  /// One "label = value" a line; "#" starts a comment; a header in brackets is passed over; white
+  /// space inside a label is dropped. A value in single or double quotes, which end with the line,
+  /// or in braces (nested, over several lines) is taken whole but for CRs; any other ends at white
+  /// space, "#" or a byte above 127, and the rest of its line is ignored. Lines that don't fit are
+  /// skipped.
   /// @{
 
   /// Reads the file's text; when it can't be read, as a directory, only the valid flag changes, to
@@ -106,17 +107,20 @@ class ZM_EXPORT ZmConfig : public ZmPack {
   int get();
   int peek() const;  ///< get() without the step.
   /// The section as text, one "label = value" a line: multi-line values in braces, others that hold
-  /// a space in double quotes; nothing is escaped.
+  /// white space in double quotes; nothing is escaped.
   ZmString convert() const;
   /// Merges the section into a template: its option lines, commented or not, get the section's
   /// values, those of labels that the section lacks are commented out, and what the template does
-  /// not mention goes to its end.
+  /// not mention goes to its end. Behind a "#" a label begins with a lower-case letter, and one
+  /// with a period is never found.
   ZmString usetemplate(const ZmString& text) const;
   ZmString loadtemplate(const ZmString& path) const;  ///< usetemplate() of a file's text.
   /// @}
 
   /// @name By position
-  /// From 0 to length() - 1, in label order; no other position may be asked for.
+  /// From 0 to length() - 1, in label order; no other position may be asked for. The first question
+  /// after a removal but from the end goes through all options: before removing many, take the
+  /// labels.
   /// @{
 
   /// The number of labels.

@@ -24,7 +24,7 @@ Place placed(const ZmConfigPosition& at, std::size_t length) {
 }
 
 Place placed(const Survey& survey, std::size_t at, std::size_t length) {
-  return placed(survey.places().at(at), length);
+  return placed(survey.places().at(at), survey.places().length(at, length));
 }
 
 // What stands behind the text of a finding.
@@ -85,8 +85,7 @@ std::unique_ptr<ZmConfigCheck> ZmConfigCheck::fromfile(std::FILE* file, unsigned
   return std::make_unique<ZmConfigCheck>(std::move(text), lowercase);
 }
 
-// The survey borrows the text, which must not move from then on. Findings come in the order of the
-// text, in which their places are found fastest.
+// The survey borrows the text, which must not move from then on.
 ZmConfigCheck::ZmConfigCheck(std::string text, unsigned char lowercase)
     : text_(fitting(std::move(text))),
       survey_(std::make_unique<ZmConfigSurvey>(text_, zm_config_check_rules())),
@@ -107,6 +106,10 @@ ZmConfigCheck::ZmConfigCheck(std::string text, unsigned char lowercase)
     for (Survey::Mark& note : found.notes)
       finding.notes.push_back({placed(*survey_, note.at, note.length), std::move(note.text)});
   }
+  // Dropped bytes share the place of the byte behind them in the text that is read.
+  const auto offset = [](const Finding& finding) { return finding.place.offset; };
+  if (!std::ranges::is_sorted(findings_, {}, offset))
+    std::ranges::stable_sort(findings_, {}, offset);
   consistent_ = survey_->consistent();
 }
 

@@ -17,7 +17,7 @@ class ZmConfigSurvey;
 /// Tells what is wrong in a macro configuration file, where, and where each value comes from.
 ///
 /// The format is silent: a line without "=" ends the file, an empty value takes the next line, a
-/// misspelt reference reads as empty. This class watches ZmConfigFile's own reader at work and
+/// misspelt reference is no error. This class watches ZmConfigFile's own reader at work and
 /// judges what it sees by a table of rules:
 ///
 ///     if (const auto check = ZmConfigCheck::frompath("farm.conf"))

@@ -15,8 +15,10 @@ constexpr auto kError = ZmConfigCheckTypes::Severity::kError;
 constexpr auto kSilent = ZmVerdict::kSilent;
 constexpr auto kFault = ZmVerdict::kFault;
 constexpr auto kWarning = ZmConfigCheckTypes::Severity::kWarning;
-constexpr ZmCharSet kSpace(" \t"), kSign(" \t\r.{}\\$"), kDigit("0123456789"), kOpen("["),
-    kClose("]");
+constexpr ZmCharSet kSpace(" \t"), kSign(" \t\r.{}\\$"), kDigit("0123456789"), kClose("]"),
+    kBehind(" \t\r\n"), kItem(",[");
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::size_t kLongest = 256;  // of what is advised: it may be as long as the file
 constexpr ZmCharSet kName("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-");
 
 std::string counted(std::size_t n, const std::string& one) {
@@ -24,6 +26,13 @@ std::string counted(std::size_t n, const std::string& one) {
 }
 
 // ---- Reading ----
+
+// How much of its line a name takes that begins there: in quotes with these, and at least a byte.
+std::size_t marked(const Survey& survey, std::size_t at, std::string_view name) {
+  const std::size_t quotes = survey.text().substr(at, 1) == "\"" ? 2 : 0;
+  const std::string_view text = survey.text().substr(at, name.size() + quotes);
+  return std::max<std::size_t>(1, std::min(text.find_first_of(kLineEnd), text.size()));
+}
 
 // The words before a "=" that is still to come on the line, when they are plain ones.
 std::string_view words(std::string_view line) {
@@ -51,16 +60,16 @@ void reading_stops(Survey& survey, const ZmConfigStop& stop) {
     text += ", the " + (below == 1 ? "line" : counted(below, "line")) + " below " +
             (below == 1 ? "is" : "are") + " ignored";
   }
-  const std::size_t length = std::max<std::size_t>(1, stop.name.size());
   std::vector<Survey::Mark> notes;
   const std::string_view line = survey.text().substr(stop.at, survey.line_end(stop.at) - stop.at);
-  if (const std::string_view name = words(line); name.find(' ') != std::string_view::npos) {
+  const std::string_view name = words(line);
+  if (name.find(' ') != std::string_view::npos && name.size() <= kLongest) {
     std::string joined(name);
     std::erase(joined, ' ');
     notes.push_back(
         {stop.at, name.size(), "write " + joined + ", or " + zm_shown(name) + " in quotes"});
   }
-  survey.report(stop.at, length, text, notes);
+  survey.report(stop.at, marked(survey, stop.at, stop.name), text, notes);
 }
 
 // A lone line end in quotes or braces is a value. Else it is the first byte of the value, and the
@@ -68,7 +77,7 @@ void reading_stops(Survey& survey, const ZmConfigStop& stop) {
 void empty_value(Survey& survey, const ZmConfigStatement& it) {
   if (!it.value.front().token.endsline() || it.value.front().kind != Part::kPlain) return;
   std::string_view taken = it.line.value.substr(1);
-  survey.report(it.line.label_at, it.line.label.size(),
+  survey.report(it.line.label_at, marked(survey, it.line.label_at, it.line.label),
                 zm_shown(it.line.label) + " has no value: " +
                     (taken.empty() ? "it gets the line end"
                                    : "the next line, " + zm_shown(taken) + ", is taken for it"));
@@ -90,12 +99,16 @@ void unclosed_quote(Survey& survey, const Part& part) {
   survey.report(survey.quote(), 1, "the quote is not closed: the line end closes it");
 }
 
+// A "\}" closes one, too.
 void nested_brace(Survey& survey, const Part& part) {
-  const std::string_view text = part.token.text;
-  if (part.kind != Part::kBraced) return;
-  if (std::ranges::count(text, '{') <= std::ranges::count(text, '}')) return;  // "\}" closes
-  survey.report(survey.text().find('{', part.token.offset + 1), 1,
-                "braces don't nest: the value ends at the first \"}\"");
+  if (part.kind != Part::kBraced || part.token.offset == survey.unclosed()) return;
+  std::size_t at = part.token.offset + 1, outer = at;
+  int depth = 0;
+  for (char last = '{'; survey.text()[at] != '}' || last == '\\'; last = survey.text()[at++]) {
+    if (survey.text()[at] == '{' && depth++ == 0) outer = at;
+    if (survey.text()[at] == '}' && depth > 0) --depth;
+  }
+  if (depth > 0) survey.report(outer, 1, "braces don't nest: the value ends at the first \"}\"");
 }
 
 // Once a line, but neither behind the end of the reading nor in comments, where nothing is lost.
@@ -119,18 +132,21 @@ void joined_words(Survey& survey, const ZmConfigStatement& it) {
   if (it.quoted() || it.value.front().token.endsline()) return;
   for (const Part& part : it.value.subspan(1)) {
     const bool inside = part.kind == Part::kContent || part.kind == Part::kClose;
-    if (inside || !kSpace.has(survey.text()[part.token.offset - 1])) continue;
+    const bool end = part.token.offset >= survey.text().size();  // blanks at the very end
+    if (inside || end || !kSpace.has(survey.text()[part.token.offset - 1])) continue;
     return survey.report(
         it.line.value_at, it.end - it.line.value_at,
         "the blanks between the words are lost: the value is " + zm_shown(it.line.value));
   }
 }
 
-// Behind a blank, or a quoted value, a comment is meant as one.
+// Behind a blank, or a value in quotes or braces, a comment is meant as one. A line end before it
+// is one that has closed a quote.
 void cut_by_comment(Survey& survey, const ZmConfigStatement& it) {
   const std::size_t at = survey.comment();
-  if (it.quoted() || at == ZmConfigScanner::kNone || at <= it.line.value_at) return;
-  if (!kSpace.has(survey.text()[at - 1]))
+  const bool plain = it.value.front().kind == Part::kPlain;
+  if (!plain || at == ZmConfigScanner::kNone || at <= it.line.value_at) return;
+  if (!kBehind.has(survey.text()[at - 1]))
     survey.report(at, survey.line_end(at) - at, "a comment starts here, right behind the value");
 }
 
@@ -140,20 +156,23 @@ void repeated_option(Survey& survey, const ZmConfigStatement& it) {
   const std::uint32_t number = survey.first(it.line.label);
   if (number == Survey::kNone) return;
   const auto& first = survey.written(number);
-  survey.report(it.line.label_at, it.line.label.size(),
+  survey.report(it.line.label_at, marked(survey, it.line.label_at, it.line.label),
                 zm_shown(it.line.label) + " has been set under this header",
-                {{first.label_at, first.label.size(), "it is set here"}});
+                {{first.label_at, marked(survey, first.label_at, first.label), "it is set here"}});
 }
 
 // Asked at the end, as the next one and missing_parent() are: the section may stand further down.
 void dotted_name(Survey& survey) {
   for (const std::uint32_t number : survey.dotted()) {
     const auto& written = survey.written(number);
-    const std::string_view name = written.label.substr(0, written.label.find('.'));
-    if (!survey.section(name)) continue;
-    survey.report(written.label_at, written.label.size(),
+    const std::string_view label = written.label.substr(0, kLongest);
+    std::size_t period = label.find('.');
+    while (period != label.npos && !survey.section(label.substr(0, period)))
+      period = label.find('.', period + 1);
+    if (period == label.npos) continue;
+    survey.report(written.label_at, marked(survey, written.label_at, written.label),
                   zm_shown(written.label) + " is the name of an option, not an option of section " +
-                      zm_shown(name));
+                      zm_shown(label.substr(0, period)));
   }
 }
 
@@ -191,32 +210,42 @@ void empty_pattern(Survey& survey, const ZmConfigHeading& it) {
                   "the header stands for no section: its options are lost");
 }
 
-bool odd(std::string_view name) {
-  return name == "self" || name == "this" || name == "_" ||
-         name.find_first_of("[]") != std::string_view::npos ||
-         name.find_first_not_of(" \t\r\n") == std::string_view::npos;
+// What is odd about the name of a section; empty when nothing is.
+std::string odd(std::string_view name) {
+  if (name.find_first_of("[]") != std::string_view::npos)
+    return "section " + zm_shown(name) + " still has a bracket in its name";
+  if (name == "_") return "\"$_\" is no reference to section \"_\"";
+  const bool blank = name.find_first_not_of(" \t\r\n") == std::string_view::npos;
+  return blank || name == "self" || name == "this"
+             ? "no reference can name section " + zm_shown(name)
+             : "";
 }
 
 void odd_section_name(Survey& survey, const ZmConfigHeading& it) {
   for (int i = 0; i < it.names.length(); ++i) {
-    const std::string_view name = zm_view(*it.names.get(i));
-    if (!odd(name)) continue;
-    return survey.report(it.at, it.name.size() + 2,
-                         "no reference can name section " + zm_shown(name));
+    std::string text = odd(zm_view(*it.names.get(i)));
+    if (!text.empty()) return survey.report(it.at, it.name.size() + 2, std::move(text));
   }
 }
 
 bool padded(std::string_view number) { return number.size() > 1 && number[0] == '0'; }
 
-// The numbers in a text, but for steps.
+// The numbers of a range, but for steps. It ends where no range goes on.
 std::vector<std::string_view> numbers(std::string_view text) {
   std::vector<std::string_view> found;
   std::string_view before;
+  text = text.substr(0, text.find_first_not_of("0123456789-,xX \t\r\n"));
   for (ZmTextCursor in(text); !in.eof(); before = in.take()) {
     const std::string_view digits = in.skip(kDigit);
     if (!digits.empty() && before != "x" && before != "X") found.push_back(digits);
   }
   return found;
+}
+
+// Past the comma behind an item of a list. Brackets behind its first ones are not expanded.
+void skip_item(ZmTextCursor& in) {
+  for (in.until(kItem); in.accept('['); in.until(kItem)) in.until(kClose);
+  in.accept(',');
 }
 
 void lost_padding(Survey& survey, const ZmConfigHeading& it) {
@@ -227,9 +256,9 @@ void lost_padding(Survey& survey, const ZmConfigHeading& it) {
       survey.report(it.at, length, "bare numbers lose their leading zeros");
     return;
   }
-  for (ZmTextCursor in(it.name); !in.eof(); in.take()) {
-    in.until(kOpen);
-    in.take();
+  for (ZmTextCursor in(it.name); !in.eof(); skip_item(in)) {
+    in.until(kItem);
+    if (!in.accept('[')) continue;
     const auto range = numbers(in.until(kClose));
     const auto wider = std::ranges::find_if(range, [&](std::string_view number) {
       return padded(number) && number.size() > range.front().size();
@@ -258,8 +287,34 @@ bool dangling(const ZmConfigPiece& piece) {
 
 ZmVerdict dangling_dollar(const Survey&, const ZmConfigUse& use, std::string* text) {
   if (!dangling(use.piece)) return kSilent;
-  if (text) *text = "the \"$\" names no option and vanishes";
+  if (!text) return kFault;
+  *text = "the \"$\" names no option and vanishes";
+  const std::string_view lost = use.piece.lost;
+  if (lost.find_first_not_of(" \t\r\n") != std::string_view::npos)
+    *text += ", and " + zm_shown(lost) + " behind it";
   return kFault;
+}
+
+// How much of a word is the name of an option. From the longest name on, and never inside a word:
+// "$rooted" is no "$root". Each try hashes a name, hence the limit.
+std::size_t known_part(const ZmConfig* section, std::string_view word) {
+  word = word.substr(0, kLongest);
+  for (std::size_t i = word.size(); section && i > 0; --i) {
+    if (i < word.size() && kName.has(word[i]) && word[i] != '-') continue;
+    const std::string_view name = word.substr(0, i);
+    if (name == "_" || section->find(name)) return i;
+  }
+  return 0;
+}
+
+// How to write a reference that ends before the rest of its word. In a value in braces, which may
+// have several lines, a "}" has to be written as "\}".
+std::string advised(const Survey& survey, const ZmConfigUse& use, std::string_view name,
+                    std::string_view rest) {
+  const bool braced = survey.braced(*use.option);
+  rest = rest.substr(0, std::min(rest.find_first_of(kLineEnd), kLongest));
+  return ": write \"${" + std::string(name) + (braced ? "\\}" : "}") + std::string(rest) +
+         (braced ? "\"" : "\" in quotes");
 }
 
 ZmVerdict undefined_section(const Survey& survey, const ZmConfigUse& use, std::string* text) {
@@ -267,28 +322,10 @@ ZmVerdict undefined_section(const Survey& survey, const ZmConfigUse& use, std::s
   if (!text) return kFault;
   *text = "there is no section " + zm_shown(use.piece.section);
   // In "$file.log" the option "file" may be meant, but the period makes it the name of a section.
-  const ZmConfig* scope = survey.section(use.scope);
-  if (scope && scope->find(use.piece.section))
-    *text += ": write \"${" + std::string(use.piece.section) + "}\" in quotes for the option";
+  const std::string_view name = use.piece.section.substr(0, kLongest);
+  if (const std::size_t n = known_part(survey.section(use.scope), name); n > 0)
+    *text += advised(survey, use, name.substr(0, n), name.substr(n)) + " for the option";
   return kFault;
-}
-
-// How to write a reference whose word runs on behind the name of an option. From the longest name
-// on, and never inside a word: "$rooted" is no "$root". Each try hashes a name, hence the limit.
-std::string remedy(const Survey& survey, const ZmConfigPiece& piece, bool own) {
-  constexpr std::size_t kLongest = 256;
-  const ZmConfig* section = survey.section(piece.section);
-  const std::string_view label = piece.label.substr(0, kLongest);
-  for (std::size_t i = label.size(); section && i-- > 1;) {
-    if (kName.has(label[i]) && label[i] != '-') continue;
-    if (!section->find(label.substr(0, i))) continue;
-    const std::string qualifier = !piece.qualified ? ""
-                                  : own            ? "self."
-                                                   : std::string(piece.section) + ".";
-    return ": write \"${" + qualifier + std::string(label.substr(0, i)) + "}" +
-           std::string(piece.label.substr(i, kLongest)) + "\" in quotes";
-  }
-  return {};
 }
 
 // Only what is looked up in its own section may be there in one section and not in the next; one
@@ -298,10 +335,15 @@ ZmVerdict undefined_option(const Survey& survey, const ZmConfigUse& use, std::st
   if (dangling(piece) || !piece.known || piece.label == "_") return kSilent;
   const bool own = !piece.qualified || piece.section == use.home;
   if (piece.value) return own ? ZmVerdict::kFine : kSilent;
-  if (text) {
-    *text = (own ? "the section" : "section " + zm_shown(piece.section)) + " has no option " +
-            zm_shown(piece.label) + remedy(survey, piece, own);
-  }
+  if (!text) return kFault;
+  *text = (own ? "the section" : "section " + zm_shown(piece.section)) + " has no option " +
+          zm_shown(piece.label);
+  const std::size_t n = known_part(survey.section(piece.section), piece.label);
+  if (n == 0) return kFault;
+  const std::string section(own ? "self" : piece.section);
+  *text += advised(survey, use,
+                   (piece.qualified ? section + "." : "") + std::string(piece.label.substr(0, n)),
+                   piece.label.substr(n));
   return kFault;
 }
 
@@ -318,12 +360,14 @@ ZmVerdict unexpanded_value(const Survey&, const ZmConfigUse& use, std::string* t
   return kFault;
 }
 
-ZmVerdict swallowed_text(const Survey&, const ZmConfigUse& use, std::string* text) {
-  const std::string_view lost = use.piece.lost;
-  if (dangling(use.piece) || lost.empty()) return kSilent;
-  if (text)
-    *text = "the reference swallows " + zm_shown(lost) + " behind it: write \"${" +
-            std::string(use.piece.label.substr(0, 256)) + "}\" in quotes";
+// What is undefined has a remedy of its own.
+ZmVerdict swallowed_text(const Survey& survey, const ZmConfigUse& use, std::string* text) {
+  const ZmConfigPiece& piece = use.piece;
+  if (dangling(piece) || piece.lost.empty()) return kSilent;
+  if (!text) return kFault;
+  *text = "the reference swallows " + zm_shown(piece.lost) + " behind it";
+  if (piece.value || piece.label == "_")
+    *text += advised(survey, use, piece.label.substr(0, kLongest), {});
   return kFault;
 }
 
@@ -403,7 +447,7 @@ const ZmConfigCheckRule kRules[] = {
     {{"empty-pattern", kError, "A header that stands for no section, so its options are lost.",
       "[node[]]\nthreads = 4\n", "Give the brackets a range: [node[1-8]]."},
      empty_pattern},
-    {{"odd-section-name", kWarning, "A section with a name that no reference can use.",
+    {{"odd-section-name", kWarning, "A section with a name that references can't use as such.",
       "[rack[1-2]node[1-2]]\nthreads = 4\n",
       "Choose another name; only the first range of a name is expanded."},
      odd_section_name},

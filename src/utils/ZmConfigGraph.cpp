@@ -26,7 +26,7 @@ std::string ZmConfigGraph::node(const ZmConfig& section) const {
 
 void ZmConfigGraph::parent(const ZmConfigToken& token, const ZmConfig* found) {
   ZmConfigSurvey::parent(token, found);
-  const std::string to = found ? node(*found) : std::string(token.text);
+  const std::string to = found ? node(*found) : known_as(token);
   arrows_.insert({headings().back().name, to, false, found == nullptr});
 }
 

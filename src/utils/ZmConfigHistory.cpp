@@ -83,7 +83,7 @@ ZmConfigHistory::Watched* ZmConfigHistory::watched(std::string_view section,
 
 ZmConfigCheckTypes::Place ZmConfigHistory::place(std::size_t at, std::size_t length) const {
   const ZmConfigPosition here = places().at(at);
-  return {here.line, here.column, here.offset, length};
+  return {here.line, here.column, here.offset, places().length(at, length)};
 }
 
 // Of an option with references.
@@ -99,8 +99,14 @@ void ZmConfigHistory::stored(const ZmConfig& section, int label, const ZmConfig*
   if (!watch) return;
   watch->history.value = zm_view(section.value(label));
   const Written& line = written(source(section, label).written);
-  ZmConfigCheckTypes::Assignment& set = watch->history.assignments.emplace_back();
-  set.label = place(line.label_at, line.label.size());
+  auto& assignments = watch->history.assignments;
+  // A header may name a section twice.
+  const ZmConfigCheckTypes::Place label_at = place(line.label_at, line.label.size());
+  if (!parent && !assignments.empty() && assignments.back().label.offset == label_at.offset &&
+      assignments.back().parent.empty())
+    assignments.pop_back();
+  ZmConfigCheckTypes::Assignment& set = assignments.emplace_back();
+  set.label = label_at;
   set.value = place(line.value_at, line.end - line.value_at);
   set.raw = line.raw;
   set.qualified = line.qualifier_at != kNone;

@@ -14,15 +14,17 @@ struct ZmConfigPosition {
   std::size_t offset = 0;
 };
 
+// Every question but line() costs the logarithm of the lines or of the runs of dropped bytes.
 class ZmConfigPlaces {
  public:
   // Borrows the source. Lines end with "\n", "\r" or both.
   explicit ZmConfigPlaces(std::string_view source);
 
-  // Of a token: an offset in the cleaned text. Asked in ascending order, all answers together take
-  // one pass; in another one, each takes a pass over its line when that holds dropped bytes.
+  // Of a token: an offset in the cleaned text.
   ZmConfigPosition at(std::size_t cleaned) const;
   ZmConfigPosition source(std::size_t offset) const;
+  // How many bytes of the source a piece of the cleaned text takes, those dropped inside included.
+  std::size_t length(std::size_t cleaned, std::size_t length) const;
   std::size_t size() const { return source_.size(); }
   long lines() const { return static_cast<long>(lines_.size()); }
   // The line without its end.
@@ -33,19 +35,20 @@ class ZmConfigPlaces {
   std::size_t cleaned(std::size_t offset) const;
 
  private:
-  struct Line {
-    std::uint32_t source;   // where it starts
-    std::uint32_t cleaned;  // and in the cleaned text
+  // Bytes that are dropped one behind the other. Line ends are kept, so they are all of one line.
+  struct Run {
+    std::uint32_t start;
+    std::uint32_t end;
+    std::uint32_t dropped;  // bytes up to the end, those of the runs before included
   };
-  bool whole(std::size_t index) const;
-  const Line& next(std::size_t index) const {
-    return index + 1 < lines_.size() ? lines_[index + 1] : end_;
+  std::size_t offset(std::size_t cleaned) const;
+  std::size_t end(std::size_t line) const {
+    return line + 1 < lines_.size() ? lines_[line + 1] : source_.size();
   }
 
   std::string_view source_;
-  std::vector<Line> lines_;
-  Line end_{};
-  mutable Line here_{};  // the last place that was walked to
+  std::vector<std::uint32_t> lines_;  // where they start
+  std::vector<Run> runs_;
 };
 
 #endif

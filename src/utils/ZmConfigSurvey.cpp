@@ -50,6 +50,10 @@ std::uint32_t ZmConfigSurvey::first(std::string_view label) const {
   return met == labels_.end() ? kNone : met->second;
 }
 
+bool ZmConfigSurvey::braced(const ZmString& option) const {
+  return starts(written_[referring(option).written].value_at, '{');
+}
+
 // Whether a place of the cleaned text is in a comment.
 bool ZmConfigSurvey::commented(std::size_t at) const {
   const auto after = std::ranges::upper_bound(comments_, at);
@@ -68,6 +72,7 @@ void ZmConfigSurvey::ask(const Thing&... thing) {
 
 std::vector<ZmConfigSurvey::Found> ZmConfigSurvey::run(bool lowercase) {
   const ZmString home("default");
+  lowercase_ = lowercase;
   ZmConfigReader(sections_, home, lowercase, text(), this).run();
   ask<ZmEndRule>();
   verdicts();
@@ -118,17 +123,25 @@ void ZmConfigSurvey::header(const ZmConfigHeading& heading) {
 void ZmConfigSurvey::section(const ZmConfig& section, bool made) {
   if (heading_) {
     Heading& heading = headings_.back();
+    const std::uint32_t number = narrow(headings_.size() - 1);
+    Known& known = known_[&section];
     if (!heading.first) heading.first = &section;
-    ++heading.sections;
-    std::uint32_t& first = known_[&section].heading;
-    if (first == kNone) first = narrow(headings_.size() - 1);
+    heading.sections += known.counted != number;
+    known.counted = number;
+    if (known.heading == kNone) known.heading = number;
   } else if (made && written_.back().qualifier_at != kNone) {
     known_[&section].maker = narrow(written_.size() - 1);
   }
 }
 
 void ZmConfigSurvey::parent(const ZmConfigToken& token, const ZmConfig* found) {
-  if (!found) missing_.push_back({token.offset, keep(token.text)});
+  if (!found) missing_.push_back({token.offset, keep(known_as(token))});
+}
+
+// The name by which the reader looks for a parent.
+std::string ZmConfigSurvey::known_as(const ZmConfigToken& token) const {
+  const ZmString name = zm_string(token.text);
+  return std::string(zm_view(lowercase_ ? name.tolower() : name));
 }
 
 std::size_t ZmConfigSurvey::option(const ZmConfigLine& line) {
@@ -143,14 +156,18 @@ std::size_t ZmConfigSurvey::option(const ZmConfigLine& line) {
   // Before the label is known, or repeated-option would meet the line itself.
   ask<ZmLineRule>(statement);
   const std::string_view label = keep(line.label);
+  const bool refers = zm_has_reference(line.value);
+  const bool local = refers && (line.value.find("self") != std::string_view::npos ||
+                                line.value.find("this") != std::string_view::npos);
   written_.push_back({label, keep(line.value),
                       headings_.empty() ? kNone : narrow(headings_.size() - 1),
                       narrow(line.label_at), narrow(line.qualifier_at), narrow(line.value_at),
-                      narrow(end), zm_has_reference(line.value)});
+                      narrow(end), refers, local});
   if (line.qualifier_at == ZmConfigLine::kNone) {
     labels_.try_emplace(label, statement.number);
     if (label.find('.') != std::string_view::npos) dotted_.push_back(statement.number);
   }
+  silence(line, end);
   next();
   return statement.number;
 }
@@ -161,7 +178,9 @@ void ZmConfigSurvey::stop(const ZmConfigStop& stop) {
   ZmConfigScanner rest(text().substr(stop.at, stop_ - stop.at));
   for (ZmConfigToken token; rest.next(token);) {
   }
-  if (rest.comment() != ZmConfigScanner::kNone) comment(stop.at + rest.comment());
+  // The reader may have passed it already, with the token behind the name.
+  if (rest.comment() != ZmConfigScanner::kNone && stop.at + rest.comment() != comment_)
+    comment(stop.at + rest.comment());
   ask<ZmStopRule>(stop);
 }
 
@@ -194,13 +213,15 @@ bool ZmConfigSurvey::keeps(std::string_view text) const {
 
 void ZmConfigSurvey::comment(std::size_t at) {
   constexpr std::string_view kMark = "zmconfigcheck:", kIgnore = "ignore";
+  constexpr ZmCharSet kBehind(" \t,\r\n");
   if (text().size() < places_.size()) comments_.push_back(at);
   ZmTextCursor in(text().substr(at + 1));
   in.skip(kBlank);
   if (in.rest().starts_with(kMark)) {
     in.take(kMark.size());
     in.skip(kBlank);
-    if (in.rest().starts_with(kIgnore))
+    const std::string_view rest = in.rest();
+    if (rest.starts_with(kIgnore) && (rest == kIgnore || kBehind.has(rest[kIgnore.size()])))
       return silence(at, named(text().size() - in.left() + kIgnore.size(), line_end(at)));
   }
   // On a silenced line a comment of any other kind may still pass the silence on.
@@ -241,6 +262,21 @@ void ZmConfigSurvey::silence(std::size_t at, std::uint32_t rules) {
   silences_.back().rules |= rules;
 }
 
+// A value of several lines, in which no comment can stand, is silenced as one line.
+void ZmConfigSurvey::silence(const ZmConfigLine& line, std::size_t end) {
+  const std::size_t at = std::min(line.label_at, line.qualifier_at);
+  const std::string_view written = text().substr(at, end - at);
+  if (silences_.empty() || written.find_first_of(kLineEnd) == written.npos) return;
+  const std::size_t last = line_end(end);
+  const std::size_t start = text().find_last_of(kLineEnd, at) + 1;
+  for (auto silence = silences_.rbegin(); silence != silences_.rend() && silence->to >= at;
+       ++silence) {
+    if (silence->from > last) continue;
+    silence->from = std::min(silence->from, start);
+    silence->to = std::max(silence->to, last);
+  }
+}
+
 bool ZmConfigSurvey::silenced(const Found& found) const {
   const std::uint32_t bit = 1U << (found.rule - rules_.data());
   const auto after = std::ranges::upper_bound(silences_, found.mark.at, {}, &Silence::from);
@@ -265,7 +301,10 @@ std::size_t ZmConfigSurvey::SpotHash::operator()(const Spot& spot) const {
 void ZmConfigSurvey::use(const ZmConfigUse& use) {
   const auto met = referring_.find(use.option);
   if (met == referring_.end() || met->second.expanded) return;
-  for (const Rule* rule : rules_of<ZmUseRule>()) judge(*rule, use, met->second.written);
+  std::uint32_t& judged = met->second.judged;
+  if (!use.piece.qualified || use.number >= judged)
+    for (const Rule* rule : rules_of<ZmUseRule>()) judge(*rule, use, met->second.written);
+  if (use.piece.qualified) judged = std::max(judged, narrow(use.number) + 1);
   if (!use.circle) return;
   std::vector<Edge>& edges = edges_[use.option];
   if (!edges.empty() && edges.back().number >= use.number) return;  // it is read once more
@@ -273,8 +312,8 @@ void ZmConfigSurvey::use(const ZmConfigUse& use) {
                    std::string(use.piece.section) + "." + std::string(use.piece.label)});
 }
 
-// The text is made for the first section only: it costs more than the verdict, and there may be
-// thousands of sections with the same line.
+// The text costs more than the verdict, and there may be thousands of sections with the same line:
+// it is made for the first one, and again only where each has a text of its own.
 void ZmConfigSurvey::judge(const Rule& rule, const ZmConfigUse& use, std::uint32_t written) {
   const auto find = std::get<ZmUseRule>(rule.find);
   const Spot spot{written, narrow(use.number), &rule};
@@ -284,11 +323,11 @@ void ZmConfigSurvey::judge(const Rule& rule, const ZmConfigUse& use, std::uint32
   if (found != ZmVerdict::kFault) return;
   Verdict& verdict = verdicts_[spot];
   if (verdict.failed == 0) {
-    find(*this, use, &verdict.text);
     verdict.first = section;
   } else if (verdict.last == section) {
     return;
   }
+  if (verdict.failed == 0 || written_[written].local) find(*this, use, &verdict.text);
   ++verdict.failed;
   verdict.last = section;
 }

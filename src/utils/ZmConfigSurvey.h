@@ -44,6 +44,7 @@ class ZmConfigSurvey : public ZmConfigObserver {
     std::uint32_t value_at;
     std::uint32_t end;  // of the value
     bool refers;        // the value holds a "$"
+    bool local;         // and maybe "self" or "this", for each section its own name
   };
   // What an option of a section comes from.
   struct Source {
@@ -95,6 +96,8 @@ class ZmConfigSurvey : public ZmConfigObserver {
   std::size_t stop_end() const { return stop_; }  // of the line that ended the reading
   bool commented(std::size_t at) const;
   void report_dropped(std::size_t at, std::size_t source, std::string text);
+  // Whether the option, one with references, is written in braces.
+  bool braced(const ZmString& option) const;
   void loops();  // reports circles
 
   // Reads the text, asks all rules and gives everything found, in the order of the text.
@@ -127,8 +130,12 @@ class ZmConfigSurvey : public ZmConfigObserver {
   struct Referring {
     std::uint32_t written;
     bool expanded = false;  // its text is no longer the one that was written
+    // Of its qualified references, those up to this one have been judged: they mean the same in
+    // every scope that the text is read in. Unqualified ones are judged in each.
+    std::uint32_t judged = 0;
   };
   const Referring& referring(const ZmString& option) const { return referring_.at(&option); }
+  std::string known_as(const ZmConfigToken& token) const;
 
  private:
   // Where references are judged: a "$" of a line.
@@ -156,6 +163,7 @@ class ZmConfigSurvey : public ZmConfigObserver {
   };
   struct Known {                    // of a section
     std::uint32_t heading = kNone;  // the first one that it is of
+    std::uint32_t counted = kNone;  // the last one: a header may name a section twice
     std::uint32_t maker = kNone;    // the line that made it by a qualifier
     std::vector<Source> options;    // by their positions
   };
@@ -177,6 +185,7 @@ class ZmConfigSurvey : public ZmConfigObserver {
   bool keeps(std::string_view text) const;
   void comment(std::size_t at);
   void silence(std::size_t at, std::uint32_t rules);
+  void silence(const ZmConfigLine& line, std::size_t end);
   std::uint32_t named(std::size_t from, std::size_t to);
   void judge(const Rule& rule, const ZmConfigUse& use, std::uint32_t written);
   void verdicts();
@@ -195,6 +204,7 @@ class ZmConfigSurvey : public ZmConfigObserver {
   // The same by their kinds: most are asked about few things, and few about every token.
   std::array<std::vector<const Rule*>, std::variant_size_v<decltype(Rule::find)>> kinds_;
   const Rule* asked_ = nullptr;
+  bool lowercase_ = false;
 
   std::vector<Heading> headings_;
   std::vector<Written> written_;

@@ -83,8 +83,8 @@ class ZM_EXPORT ZmExpression : public ZmPack {
   ///
   /// Infix: operators of equal strength group to the right ("a - b - c" is a - (b - c)), missing
   /// operands become null children, and unbalanced parentheses are accepted. Prefix and postfix
-  /// know no parentheses and no unary minus, and miss a second operand; postfix takes the operand
-  /// written last as a, so that "x y -" is y - x.
+  /// know no parentheses and no unary minus, and fail without a second operand; postfix takes the
+  /// operand written last as a, so that "x y -" is y - x.
   /// @{
 
   /// Of tokens made by tokenize(). Notation 2 is prefix, 1 postfix, any other infix.
@@ -101,6 +101,7 @@ class ZM_EXPORT ZmExpression : public ZmPack {
   /// @{
 
   /// 1 when each leaf has a value, its reference or callback knows its name, or it has neither.
+  /// What is below an inner node without b, as a unary one of prefix or postfix, is not looked at.
   unsigned char isvalid() const;
   /// Appends the names that the reference takes for variables, the right operand's first; names may
   /// come several times. Without a reference there are none.
@@ -124,13 +125,13 @@ class ZM_EXPORT ZmExpression : public ZmPack {
   static void tokenize(const ZmString& source, ZmStringList& tokens);
   /// Parentheses, quoted strings, and words.
   static void callbacktokenize(const ZmString& source, ZmStringList& tokens);
-  /// The same, and a "," that begins a token, and groups in braces, which come without the outer
-  /// ones and run to the end when unclosed. A comma inside a word belongs to it.
+  /// The same, and a "," that begins a token, and groups in braces that do, which come without the
+  /// outer ones and run to the end when unclosed. A comma inside a word belongs to it.
   static void valuetokenize(const ZmString& source, ZmStringList& tokens);
   /// "[", "]" and words.
   static void rangetokenize(const ZmString& source, ZmStringList& tokens);
   /// Parentheses, names of upper-case letters and "_", quoted parts with their quotes, and the text
-  /// between them. Nothing is dropped.
+  /// between them, in which quotes and "_" are plain. Nothing is dropped.
   static void commandtokenize(const ZmString& source, ZmStringList& tokens);
   /// @}
 

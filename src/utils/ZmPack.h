@@ -83,9 +83,9 @@ class ZM_EXPORT ZmPack : public ZmBase {
   /// Reads a record of `length` bytes, which may be this object's own: 0 done, 1 shorter than a
   /// version word, 2 nothing behind it, 3 another version. Empties the buffer, but for result 1.
   int unpack(const char* data, int length);
-  /// Packs into a file and empties the buffer. The number of bytes written, or 0 when the file
-  /// can't be opened or closed. A full disk takes fewer bytes than the record has: pack() first,
-  /// and compare with packSize(). Waits for the reader of a pipe.
+  /// Packs into a file and empties the buffer, but where none can be opened. The number of bytes
+  /// written, or 0 when the file can't be opened or closed. A full disk takes fewer bytes than the
+  /// record has: pack() first, and compare with packSize(). Waits for the reader of a pipe.
   int archive(const ZmString& path);
   /// Unpacks a file. The number of bytes read, or 0 when it is no readable regular file (never a
   /// pipe) or unpack() failed. One of 2,147,483,647 bytes or more throws std::bad_alloc.
@@ -130,7 +130,7 @@ class ZM_EXPORT ZmPack : public ZmBase {
   void restore(int tag, unsigned char& value);  ///< Type code 6.
   void restore(int tag, long long& value);      ///< Type code 7.
   void restore(int tag, float& value);          ///< Type code 5.
-  void restore(int tag, ZmString& value);       ///< Type code 3.
+  void restore(int tag, ZmString& value);       ///< Type code 3. Replaces the text.
   /// Takes a nested pack whose type code is value.type(); with any other, and more than 1000 levels
   /// deep, the record ends.
   void restore(int tag, ZmPack& value);
@@ -160,7 +160,7 @@ class ZM_EXPORT ZmPack : public ZmBase {
   void restoreXML(const ZmString& name, unsigned char& value);  ///< A number.
   void restoreXML(const ZmString& name, long long& value);      ///< A number.
   void restoreXML(const ZmString& name, float& value);          ///< A number.
-  void restoreXML(const ZmString& name, ZmString& value);       ///< A text.
+  void restoreXML(const ZmString& name, ZmString& value);       ///< A text, which it replaces.
   void restoreXML(const ZmString& name, ZmPack& value);         ///< A nested pack.
 
   /// @}

@@ -53,8 +53,8 @@ class ZM_EXPORT ZmParam : public ZmBase {
   /// not given; else 1.
   /// @{
   unsigned char get(const ZmString& name, unsigned char& flag) const;  ///< Not 0: it was given.
-  unsigned char get(const ZmString& name, ZmString& v) const;          ///< The value as given.
-  unsigned char get(const ZmString& name, int& v) const;               ///< Its integervalue().
+  unsigned char get(const ZmString& name, ZmString& v) const;  ///< v becomes the value as given.
+  unsigned char get(const ZmString& name, int& v) const;       ///< Its integervalue().
   /// For difference options: `sign` is '+' or '-' and v the number behind it, or '=' and v the
   /// whole number. "-3" gives '-' and 3. 0 also when the value is empty.
   unsigned char get(const ZmString& name, int& v, char& sign) const;

@@ -69,12 +69,14 @@ class ZM_EXPORT ZmRange : public ZmBase {
   /// @name Texts
   /// @{
 
-  /// The shortest range text of the values; empty when there are none. Strips the range. Only the
-  /// first value of a run (three or more values at one distance) is padded: "001-10,15".
+  /// A short range text of the values; empty when there are none. Strips the range. From the lowest
+  /// value on, three or more at one distance become a run, "1-9x2"; only its first value is padded:
+  /// "001-10,15".
   ZmString value();
   /// Appends to `out` the texts of consecutive pieces of at most `size` values, unpadded. Strips
-  /// the range. Pieces don't reach beyond a run, and a value outside every run is one by itself.
-  /// Nothing when `size` is below 1 or the range is empty.
+  /// the range. Pieces don't reach beyond a run, and a value outside every run is one by itself,
+  /// but for a range of two values, which may be one piece, "1-5x4". Nothing when `size` is below 1
+  /// or the range is empty.
   void chunk(int size, ZmStringList& out);
   /// chunk() with length() / parts as the size, rounded up; duplicates count for the length.
   /// Nothing when `parts` is below 1.

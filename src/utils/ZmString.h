@@ -19,8 +19,9 @@
 /// operation leaves it as it was. A buffer of 16 bytes stands in the string itself, a larger one on
 /// the heap. A `secure` string overwrites every buffer it gives up with zero bytes.
 ///
-/// Zero bytes may stand inside a text and are counted by length(); comparisons and the readers of
-/// numbers stop at the first one. Every operation also accepts the string itself, or a piece of
+/// Zero bytes may stand inside a text and are counted by length(). cmp() and the readers of decimal
+/// numbers stop at the first one; texts are equal when they are so up to there, and of one length.
+/// Every operation also accepts the string itself, or a piece of
 /// its own text, as its argument. One thread at a time.
 class ZM_EXPORT ZmString : public ZmBase {
  public:

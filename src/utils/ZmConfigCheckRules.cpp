@@ -156,9 +156,11 @@ void repeated_option(Survey& survey, const ZmConfigStatement& it) {
   const std::uint32_t number = survey.first(it.line.label);
   if (number == Survey::kNone) return;
   const auto& first = survey.written(number);
-  survey.report(it.line.label_at, marked(survey, it.line.label_at, it.line.label),
-                zm_shown(it.line.label) + " has been set under this header",
-                {{first.label_at, marked(survey, first.label_at, first.label), "it is set here"}});
+  survey.report(
+      it.line.label_at, marked(survey, it.line.label_at, it.line.label),
+      zm_shown(it.line.label) +
+          (survey.headings().empty() ? " has been set above" : " has been set under this header"),
+      {{first.label_at, marked(survey, first.label_at, first.label), "it is set here"}});
 }
 
 // Asked at the end, as the next one and missing_parent() are: the section may stand further down.

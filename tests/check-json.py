@@ -60,6 +60,7 @@ driver = sarif["runs"][0]["tool"]["driver"]
 assert driver["name"] == "zmconfigcheck"
 assert all(rule["defaultConfiguration"]["level"] in ("error", "warning") and rule["help"]["text"] and
            rule["shortDescription"]["text"] for rule in driver["rules"])
+assert sarif["runs"][0]["columnKind"] == "unicodeCodePoints"
 results = []
 for result in sarif["runs"][0]["results"]:
     rule = driver["rules"][result["ruleIndex"]]["id"]
@@ -69,4 +70,12 @@ for result in sarif["runs"][0]["results"]:
     [place] = result["locations"]
     results.append(f"{region(place['physicalLocation'])}: {result['level']}: "
                    f"{result['message']['text']} [{rule}]")
-assert results == told
+
+
+def letters(text):  # with the column counted in letters
+    name, line, column, rest = text.split(":", 3)
+    before = open(name, "rb").read().replace(b"\r\n", b"\n").replace(b"\r", b"\n").split(b"\n")[int(line) - 1]
+    return f"{name}:{line}:{len(before[:int(column) - 1].decode()) + 1}:{rest}"
+
+
+assert results == [letters(text) for text in told]

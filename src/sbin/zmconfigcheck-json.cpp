@@ -87,14 +87,15 @@ std::string uri(std::string_view file) {
   return text;
 }
 
-// Columns count bytes, which are letters in all texts that the reader takes as they are.
+// SARIF knows no columns that count bytes.
 Json location(const ZmConfigCheck& check, const std::string& file,
               const ZmConfigCheck::Place& place) {
+  const std::size_t length = static_cast<std::size_t>(end_column(check, place) - place.column);
   return {{"artifactLocation", {{"uri", uri(file)}}},
           {"region",
            {{"startLine", place.line},
-            {"startColumn", place.column},
-            {"endColumn", end_column(check, place)}}}};
+            {"startColumn", check.letter(place.offset)},
+            {"endColumn", check.letter(place.offset + length)}}}};
 }
 
 // The index of a rule counts in what sarif_rules() writes, which has the order of rules().
@@ -139,7 +140,7 @@ JsonReport::JsonReport(bool sarif) : sarif_(sarif) {
   output().write(
       "{\"$schema\": \"https://json.schemastore.org/sarif-2.1.0.json\", \"version\": \"2.1.0\",\n"
       "\"runs\": [{\"tool\": {\"driver\": " +
-      written(driver) + "},\n\"results\": [");
+      written(driver) + "},\n\"columnKind\": \"unicodeCodePoints\", \"results\": [");
 }
 
 // The elements of an array stand on lines of their own.

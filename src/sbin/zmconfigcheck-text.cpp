@@ -2,13 +2,12 @@
 
 #include <algorithm>
 
+#include "ZmConfigPlaces.h"
+
 namespace {
 
 constexpr std::string_view kBold = "\33[1m", kRed = "\33[1;31m", kMagenta = "\33[1;35m",
                            kCyan = "\33[1;36m", kGreen = "\33[1;32m", kPlain = "\33[0m";
-
-// A byte that has no place of its own on a screen: it goes on with a letter of more than one byte.
-bool goes_on(char c) { return (static_cast<unsigned char>(c) & 0xc0U) == 0x80; }
 
 // What a terminal might take for an order is shown as "?".
 char shown(char c) {
@@ -38,28 +37,28 @@ std::string FindingText::head(const ZmConfigCheck::Place& place, std::string_vie
   return painted(where, kBold) + " " + painted(std::string(kind) + ":", paint) + " ";
 }
 
-// The line, or what is around the place in a long one, and a mark below it. Letters stay whole at
-// both ends, as half of one is no UTF-8, and a tab is a tab in both lines, however wide the
-// terminal makes it.
+// The line, or what is around the place in a long one, and a mark below it, where bytes that go on
+// with a letter have no place of their own. Letters stay whole at both ends, as half of one is no
+// UTF-8, and a tab is a tab in both lines, however wide the terminal makes it.
 std::string FindingText::excerpt(const ZmConfigCheck::Place& place) const {
   constexpr std::size_t kWidth = 160, kBefore = 60, kNumber = 5;
   constexpr int kMore = 3;  // bytes of a letter behind its first one
   const std::string_view line = check_.line(place);
   const std::size_t at = static_cast<std::size_t>(place.column) - 1;
   std::size_t from = line.size() > kWidth && at > kBefore ? at - kBefore : 0;
-  for (int i = 0; i < kMore && from > 0 && goes_on(line[from]); ++i) --from;
+  for (int i = 0; i < kMore && from > 0 && zm_goes_on(line[from]); ++i) --from;
   std::size_t to = std::min(line.size(), from + kWidth);
-  for (int i = 0; i < kMore && to < line.size() && goes_on(line[to]); ++i) ++to;
+  for (int i = 0; i < kMore && to < line.size() && zm_goes_on(line[to]); ++i) ++to;
   std::string text;
   std::string below;
   if (from > 0) text = "...", below = "   ";
   for (std::size_t i = from; i < to; ++i) {
     text += shown(line[i]);
-    if (i < at && !goes_on(line[i])) below += line[i] == '\t' ? '\t' : ' ';
+    if (i < at && !zm_goes_on(line[i])) below += line[i] == '\t' ? '\t' : ' ';
   }
   std::string mark = "^";
   for (std::size_t i = at + 1; i < std::min(to, at + place.length); ++i)
-    if (!goes_on(line[i])) mark += '~';
+    if (!zm_goes_on(line[i])) mark += '~';
   if (to < line.size()) text += "...";
   const std::string number = std::to_string(place.line);
   const std::size_t width = std::max(kNumber, number.size());

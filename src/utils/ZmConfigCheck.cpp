@@ -119,6 +119,8 @@ std::string_view ZmConfigCheck::line(const Place& place) const {
   return survey_->places().line(place.line);
 }
 
+long ZmConfigCheck::letter(std::size_t offset) const { return survey_->places().letter(offset); }
+
 const ZmConfigHash& ZmConfigCheck::sections() const { return survey_->sections(); }
 
 ZmConfigCheck::Origin ZmConfigCheck::origin(const ZmConfig& section, int label) const {

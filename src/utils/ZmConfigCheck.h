@@ -51,6 +51,8 @@ class ZM_EXPORT ZmConfigCheck : public ZmConfigCheckTypes {
   const std::vector<Finding>& findings() const { return findings_; }
   /// The line that the place stands on, without its end.
   std::string_view line(const Place& place) const;
+  /// The column of the byte at this offset of the text, counted in code points of UTF-8.
+  long letter(std::size_t offset) const;
   /// Whether every option here is what its origin says. When not, there is a fault in this class.
   unsigned char consistent() const { return consistent_; }
 

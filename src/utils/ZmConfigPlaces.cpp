@@ -6,11 +6,12 @@
 
 // A pair of CR and LF ends one line, as editors count.
 ZmConfigPlaces::ZmConfigPlaces(std::string_view source) : source_(source), lines_(1) {
-  std::uint32_t at = 0, dropped = 0;
+  std::uint32_t at = 0, dropped = 0, inner = 0;
   for (const char c : source) {
     if (!ZmConfigScanner::kept(c)) {
-      if (runs_.empty() || runs_.back().end != at) runs_.push_back({at, at, 0});
-      runs_.back() = {runs_.back().start, at + 1, ++dropped};
+      if (runs_.empty() || runs_.back().end != at) runs_.push_back({at, at, 0, 0});
+      inner += zm_goes_on(c);
+      runs_.back() = {runs_.back().start, at + 1, ++dropped, inner};
     }
     ++at;
     const bool pair = c == '\r' && source_.substr(at, 1) == "\n";
@@ -36,6 +37,22 @@ ZmConfigPosition ZmConfigPlaces::source(std::size_t offset) const {
 
 std::size_t ZmConfigPlaces::length(std::size_t cleaned, std::size_t length) const {
   return length == 0 ? 0 : offset(cleaned + length - 1) + 1 - offset(cleaned);
+}
+
+long ZmConfigPlaces::letter(std::size_t offset) const {
+  const long column = source(offset).column;
+  const std::size_t start = offset - static_cast<std::size_t>(column - 1);
+  return column - static_cast<long>(inner(offset) - inner(start));
+}
+
+// How many bytes before this one go on with a letter.
+std::size_t ZmConfigPlaces::inner(std::size_t offset) const {
+  const auto after = std::ranges::upper_bound(runs_, offset, {}, &Run::start);
+  if (after == runs_.begin()) return 0;
+  const Run& run = *(after - 1);
+  if (run.end <= offset) return run.inner;
+  const std::string_view behind = source_.substr(offset, run.end - offset);
+  return run.inner - static_cast<std::size_t>(std::ranges::count_if(behind, zm_goes_on));
 }
 
 std::string_view ZmConfigPlaces::line(long number) const {

@@ -323,6 +323,9 @@ ZmVerdict undefined_section(const Survey& survey, const ZmConfigUse& use, std::s
   if (dangling(use.piece) || use.piece.known) return kSilent;
   if (!text) return kFault;
   *text = "there is no section " + zm_shown(use.piece.section);
+  // "$self" in a section with a period in its name, as hosts have them.
+  if (use.home.starts_with(std::string(use.piece.section) + "."))
+    *text += ": the period in " + zm_shown(use.home) + " ends a name";
   // In "$file.log" the option "file" may be meant, but the period makes it the name of a section.
   const std::string_view name = use.piece.section.substr(0, kLongest);
   if (const std::size_t n = known_part(survey.section(use.scope), name); n > 0)

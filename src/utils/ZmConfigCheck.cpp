@@ -106,10 +106,6 @@ ZmConfigCheck::ZmConfigCheck(std::string text, unsigned char lowercase)
     for (Survey::Mark& note : found.notes)
       finding.notes.push_back({placed(*survey_, note.at, note.length), std::move(note.text)});
   }
-  // Dropped bytes share the place of the byte behind them in the text that is read.
-  const auto offset = [](const Finding& finding) { return finding.place.offset; };
-  if (!std::ranges::is_sorted(findings_, {}, offset))
-    std::ranges::stable_sort(findings_, {}, offset);
   consistent_ = survey_->consistent();
 }
 

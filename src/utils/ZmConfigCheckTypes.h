@@ -40,7 +40,8 @@ struct ZmConfigCheckTypes {
     Place place;              ///< The part of the text that it is about.
     std::string text;         ///< What is wrong there.
     std::vector<Note> notes;  ///< In the order in which they are read.
-    std::string section;  ///< The first section met where it holds; empty: it is about the text.
+    /// A section where it holds, as a rule the first of the file; empty: it is about the text.
+    std::string section;
     std::size_t sections = 0;  ///< In how many.
   };
   /// Where the value of an option comes from.

@@ -77,8 +77,11 @@ std::vector<ZmConfigSurvey::Found> ZmConfigSurvey::run(bool lowercase) {
   ask<ZmEndRule>();
   verdicts();
   std::erase_if(found_, [this](const Found& found) { return silenced(found); });
-  // Rules are elements of one array: their addresses have the order of the table.
-  const auto place = [](const Found& f) { return std::tuple(f.mark.at, f.rule); };
+  // A byte that was dropped shares the place of the one behind it, and comes first. Rules are
+  // elements of one array: their addresses have the order of the table.
+  const auto place = [](const Found& f) {
+    return std::tuple(f.mark.at, f.source == ZmConfigScanner::kNone, f.rule);
+  };
   if (!std::ranges::is_sorted(found_, {}, place)) std::ranges::stable_sort(found_, {}, place);
   return std::move(found_);
 }

@@ -153,7 +153,7 @@ class ZmConfigSurvey : public ZmConfigObserver {
     bool resolved = false;   // in some
     std::string text;
     std::string first;
-    std::string last;  // section that was counted: the first of the file in the end
+    std::string last;  // section that was counted: as a rule the first of the file in the end
   };
   struct Edge {  // a reference that stays in a circle
     const ZmString* to;

@@ -21,8 +21,8 @@
 ///
 /// Zero bytes may stand inside a text and are counted by length(). cmp() and the readers of decimal
 /// numbers stop at the first one; texts are equal when they are so up to there, and of one length.
-/// Every operation also accepts the string itself, or a piece of
-/// its own text, as its argument. One thread at a time.
+/// Every operation also accepts the string itself, or a piece of its own text, as its argument. One
+/// thread at a time.
 class ZM_EXPORT ZmString : public ZmBase {
  public:
   /// @name Construction
